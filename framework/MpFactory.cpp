@@ -1,0 +1,133 @@
+#include "MpFactory.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "gmpi/IMpLegacyInitialization.h"
+
+namespace {
+
+MpFactory*& factoryPointer() {
+    static MpFactory* factory = nullptr;
+    return factory;
+}
+
+// Destroys the factory and its registry when the bundle is unloaded.
+struct factory_deleter_helper {
+    ~factory_deleter_helper() {
+        delete factoryPointer();
+        factoryPointer() = nullptr;  // anything that runs later gets a fresh, empty factory, not a dangling one
+    }
+} factoryDeleter;
+
+}  // namespace
+
+MpFactory* Factory() {
+    MpFactory*& factory = factoryPointer();
+    if (!factory)
+        factory = new MpFactory();
+    return factory;
+}
+
+int32_t RegisterPlugin(int subType, const wchar_t* uniqueId, MP_CreateFunc2 create) {
+    return Factory()->RegisterPlugin(uniqueId, subType, create);
+}
+
+int32_t RegisterPluginXml(const char*) { return gmpi::MP_OK; }
+
+int32_t MpFactory::RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_CreateFunc2 create) {
+    if (uniqueId)
+        registry_.emplace(std::make_pair(subType, std::wstring(uniqueId)), create);
+    return gmpi::MP_OK;
+}
+
+int32_t MpFactory::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
+    if (!returnInterface)
+        return gmpi::MP_NOSUPPORT;
+    if (gmpi::isUnknownIid(iid) || iid == gmpi::MP_IID_FACTORY || iid == gmpi::MP_IID_FACTORY2) {
+        *returnInterface = static_cast<gmpi::IMpFactory2*>(this);
+        addRef();
+        return gmpi::MP_OK;
+    }
+    *returnInterface = nullptr;
+    return gmpi::MP_NOSUPPORT;
+}
+
+int32_t MpFactory::create(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnknown*& created) {
+    created = nullptr;
+    if (!uniqueId)
+        return gmpi::MP_NOSUPPORT;
+    try {
+        const auto it = registry_.find(std::make_pair(subType, std::wstring(uniqueId)));
+        if (it == registry_.end() || !it->second)
+            return gmpi::MP_NOSUPPORT;
+        created = it->second();
+    } catch (...) {
+        return gmpi::MP_FAIL;
+    }
+    return gmpi::MP_OK;
+}
+
+int32_t MpFactory::createInstance(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnknown* host,
+                                  void** returnInterface) {
+    if (!returnInterface)
+        return gmpi::MP_FAIL;
+    *returnInterface = nullptr;
+    gmpi::IMpUnknown* object = nullptr;
+    const int32_t result = create(uniqueId, subType, object);
+    if (result != gmpi::MP_OK)
+        return result;
+    *returnInterface = object;
+    if (!object)
+        return gmpi::MP_OK;
+    // The legacy initialisation face is found by a type query, not queryInterface. When setHost fails
+    // (modules made by Register<T> turn a throw into -1 at their boundary) the object stays with the
+    // caller, who owns it.
+    if (auto* legacy = dynamic_cast<gmpi::IMpLegacyInitialization*>(object)) {
+        try {
+            if (legacy->setHost(host) == gmpi::MP_FAIL)
+                return gmpi::MP_FAIL;
+        } catch (...) {
+            return gmpi::MP_FAIL;
+        }
+    }
+    return gmpi::MP_OK;
+}
+
+int32_t MpFactory::createInstance2(const wchar_t* uniqueId, int32_t subType, void** returnInterface) {
+    if (!returnInterface)
+        return gmpi::MP_FAIL;
+    *returnInterface = nullptr;
+    gmpi::IMpUnknown* object = nullptr;
+    const int32_t result = create(uniqueId, subType, object);
+    if (result == gmpi::MP_OK)
+        *returnInterface = object;
+    return result;
+}
+
+int32_t MpFactory::getSdkInformation(int32_t& returnSdkVersion, int32_t maxChars, wchar_t* returnCompilerInformation) {
+    returnSdkVersion = 30800;
+    try {
+        std::wostringstream text;
+        text << L"GCC Compiler V" << 1002 << L" (Release)";
+        const std::wstring info = text.str();
+        // Copy only what the caller's buffer holds, always terminated.
+        if (returnCompilerInformation && maxChars > 0) {
+            const size_t n = std::min(info.size(), static_cast<size_t>(maxChars) - 1);
+            std::copy_n(info.data(), n, returnCompilerInformation);
+            returnCompilerInformation[n] = L'\0';
+        }
+    } catch (...) {
+    }
+    return gmpi::MP_OK;
+}
+
+extern "C" __attribute__((visibility("default"))) int32_t MP_GetFactory(void** returnInterface) {
+    try {
+        return Factory()->queryInterface(gmpi::MP_IID_UNKNOWN, returnInterface);
+    } catch (...) {
+        if (returnInterface)
+            *returnInterface = nullptr;
+        return gmpi::MP_FAIL;
+    }
+}

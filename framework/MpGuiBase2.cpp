@@ -1,0 +1,129 @@
+#include "MpGuiBase2.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+// ---- GuiPinOwner
+
+void GuiPinOwner::addPin(int index, MpGuiPinBase& pin) {
+    auto it = std::lower_bound(slots_.begin(), slots_.end(), index, [](const Slot& s, int i) { return s.index < i; });
+    if (it != slots_.end() && it->index == index)
+        return;
+    slots_.insert(it, Slot{index, &pin});
+}
+
+MpGuiPinBase* GuiPinOwner::getPin(int index) const {
+    auto it = std::lower_bound(slots_.begin(), slots_.end(), index, [](const Slot& s, int i) { return s.index < i; });
+    return it != slots_.end() && it->index == index ? it->pin : nullptr;
+}
+
+int GuiPinOwner::nextPinIndex() const { return slots_.empty() ? 0 : slots_.back().index + 1; }
+
+int32_t GuiPinOwner::setPin(int index, int voice, int size, const void* data) {
+    MpGuiPinBase* pin = getPin(index);
+    if (!pin)
+        return gmpi::MP_FAIL;
+    pin->set(voice, size, data);
+    return gmpi::MP_OK;
+}
+
+int32_t GuiPinOwner::notifyPin(int index, int voice) {
+    MpGuiPinBase* pin = getPin(index);
+    if (!pin)
+        return gmpi::MP_FAIL;
+    if (IGuiPinCallbackImpl* callback = pin->getCallback())
+        (*callback)(voice);
+    return gmpi::MP_OK;
+}
+
+int32_t GuiPinOwner::setPin2(int index, int voice, int size, const void* data) {
+    MpGuiPinBase* pin = getPin(index);
+    if (!pin)
+        return gmpi::MP_FAIL;
+    if (pin->set(voice, size, data))
+        if (IGuiPinCallbackImpl* callback = pin->getCallback())
+            (*callback)(voice);
+    return gmpi::MP_OK;
+}
+
+// ---- MpGuiBase2
+
+int32_t MpGuiBase2::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
+    if (!returnInterface)
+        return gmpi::MP_NOSUPPORT;
+    *returnInterface = nullptr;
+    if (gmpi::isUnknownIid(iid) || iid == gmpi::MP_IID_GUI_PLUGIN2 || gmpi::isGuiPluginIid(iid)) {
+        *returnInterface = static_cast<gmpi::IMpUserInterface2B*>(this);
+        addRef();
+        return gmpi::MP_OK;
+    }
+    return gmpi::MP_NOSUPPORT;
+}
+
+int32_t MpGuiBase2::setHost(gmpi::IMpUnknown* hostObject) {
+    void* found = nullptr;
+    if (hostObject && hostObject->queryInterface(gmpi::MP_IID_UI_HOST2, &found) == gmpi::MP_OK && found) {
+        host = static_cast<gmpi::IMpUserInterfaceHost2*>(found);
+        return gmpi::MP_OK;
+    }
+    return gmpi::MP_NOSUPPORT;
+}
+
+int32_t MpGuiBase2::pinTransmit(int pinId, int size, const void* data, int voice) {
+    return host ? host->pinTransmit(pinId, size, data, voice) : gmpi::MP_FAIL;
+}
+
+void MpGuiBase2::initializePin(int index, MpGuiPinBase& pin, Handler handler) {
+    std::unique_ptr<IGuiPinCallbackImpl> callback;
+    if (handler)
+        callback = std::make_unique<IGuiPinCallback<gmpi::IMpUserInterface2>>(this, handler);
+    pin.bind(index, this, std::move(callback));
+    addPin(index, pin);
+}
+
+void MpGuiBase2::initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler) {
+    pin.bind(index, this, std::make_unique<IGuiPinCallbackIndexed<gmpi::IMpUserInterface2>>(this, handler));
+    addPin(index, pin);
+}
+
+// ---- MpGuiBase_base
+
+int32_t MpGuiBase_base::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
+    if (!returnInterface)
+        return gmpi::MP_NOSUPPORT;
+    *returnInterface = nullptr;
+    if (gmpi::isUnknownIid(iid) || gmpi::isGuiPluginIid(iid)) {
+        *returnInterface = static_cast<gmpi::IMpUserInterface*>(this);
+    } else if (iid == gmpi::MP_IID_LEGACY_INITIALIZATION) {
+        *returnInterface = static_cast<gmpi::IMpLegacyInitialization*>(this);
+    } else {
+        return gmpi::MP_NOSUPPORT;
+    }
+    addRef();
+    return gmpi::MP_OK;
+}
+
+int32_t MpGuiBase_base::setHost(gmpi::IMpUnknown* hostObject) {
+    void* found = nullptr;
+    if (!hostObject || hostObject->queryInterface(gmpi::MP_IID_UI_HOST, &found) != gmpi::MP_OK || !found)
+        throw std::runtime_error("host Interfaces not supported");
+    host_ = static_cast<gmpi::IMpUserInterfaceHost*>(found);
+    return gmpi::MP_OK;
+}
+
+int32_t MpGuiBase_base::pinTransmit(int pinId, int size, const void* data, int voice) {
+    return host_ ? host_->pinTransmit(pinId, size, data, voice) : gmpi::MP_FAIL;
+}
+
+void MpGuiBase_base::initializePin(int index, MpGuiPinBase& pin, Handler handler) {
+    std::unique_ptr<IGuiPinCallbackImpl> callback;
+    if (handler)
+        callback = std::make_unique<IGuiPinCallback<gmpi::IMpUserInterface>>(this, handler);
+    pin.bind(index, this, std::move(callback));
+    addPin(index, pin);
+}
+
+void MpGuiBase_base::initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler) {
+    pin.bind(index, this, std::make_unique<IGuiPinCallbackIndexed<gmpi::IMpUserInterface>>(this, handler));
+    addPin(index, pin);
+}

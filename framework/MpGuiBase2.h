@@ -1,0 +1,168 @@
+// The GUI half of a module: the host-facing face (setHost, setPin/notifyPin, ...) over the pin table.
+#pragma once
+
+#include <exception>
+#include <type_traits>
+
+#include "MpGuiPin.h"
+#include "gmpi/IMpLegacyInitialization.h"
+#include "gmpi/IMpUserInterface.h"
+#include "gmpi/IMpUserInterface2.h"
+#include "gmpi/IMpUserInterfaceHost.h"
+#include "gmpi/IMpUserInterfaceHost2.h"
+
+namespace kx {
+template <class T> class GuardedGui;
+}
+
+class MpGuiBase2 : public gmpi::IMpUserInterface2B, public GuiPinOwner {
+public:
+    // What the factory needs to know to create a class derived from this one.
+    static constexpr int32_t sub_type = gmpi::MP_SUB_TYPE_GUI2;
+    using principal_interface = gmpi::IMpUserInterface2B;
+    template <class T> using Guard = kx::GuardedGui<T>;
+
+    MpGuiBase2() = default;
+    ~MpGuiBase2() override = default;
+
+    int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
+    int32_t setHost(gmpi::IMpUnknown* host) override;
+    int32_t initialize() override { return gmpi::MP_OK; }
+    int32_t setPin(int32_t pinId, int32_t voice, int32_t size, const void* data) override {
+        return GuiPinOwner::setPin(pinId, voice, size, data);
+    }
+    int32_t receiveMessageFromAudio(int32_t, int32_t, const void*) override { return gmpi::MP_FAIL; }
+    int32_t populateContextMenu(float, float, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
+    int32_t onContextMenu(int32_t) override { return gmpi::MP_FAIL; }
+    int32_t getToolTip(float, float, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
+    int32_t notifyPin(int32_t pinId, int32_t voice) override { return GuiPinOwner::notifyPin(pinId, voice); }
+    // Forwards to the host unchanged; -1 when the module has no host.
+    int32_t pinTransmit(int pinId, int size, const void* data, int voice) override;
+
+    gmpi::IMpUserInterfaceHost2* getHost() const { return host; }
+
+protected:
+    using Handler = void (gmpi::IMpUserInterface2::*)();
+    using IndexedHandler = void (gmpi::IMpUserInterface2::*)(int voice);
+
+    // Binding, from the constructor only. The index-less forms take the next index, so the order of the
+    // calls is the pin order.
+    void initializePin(int index, MpGuiPinBase& pin, Handler handler = nullptr);
+    void initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler);
+    void initializePin(MpGuiPinBase& pin, Handler handler = nullptr) { initializePin(nextPinIndex(), pin, handler); }
+    void initializePin(MpGuiPinBase& pin, IndexedHandler handler) { initializePin(nextPinIndex(), pin, handler); }
+    // Handlers may be given as members of the module class itself.
+    template <class M, std::enable_if_t<std::is_base_of_v<gmpi::IMpUserInterface2, M>, int> = 0>
+    void initializePin(MpGuiPinBase& pin, void (M::*handler)()) {
+        initializePin(nextPinIndex(), pin, static_cast<Handler>(handler));
+    }
+    template <class M, std::enable_if_t<std::is_base_of_v<gmpi::IMpUserInterface2, M>, int> = 0>
+    void initializePin(MpGuiPinBase& pin, void (M::*handler)(int)) {
+        initializePin(nextPinIndex(), pin, static_cast<IndexedHandler>(handler));
+    }
+    template <class M, std::enable_if_t<std::is_base_of_v<gmpi::IMpUserInterface2, M>, int> = 0>
+    void initializePin(int index, MpGuiPinBase& pin, void (M::*handler)()) {
+        initializePin(index, pin, static_cast<Handler>(handler));
+    }
+
+    // The host's GUI interface, kept for the module's life and not released: the host outlives its modules.
+    gmpi::IMpUserInterfaceHost2* host = nullptr;
+};
+
+// Base of GUI modules without graphics: adds the reference count.
+class SeGuiInvisibleBase : public MpGuiBase2 {
+public:
+    int32_t addRef() override { return static_cast<int32_t>(++refCount); }
+    int32_t release() override {
+        const auto count = static_cast<int32_t>(--refCount);
+        if (count == 0)
+            delete this;
+        return count;
+    }
+
+private:
+    uint32_t refCount = 1;
+};
+
+// The first-generation GUI base. No module of the pack uses it; kept so that the framework serves hosts
+// that only speak the first-generation interfaces.
+class MpGuiBase_base : public gmpi::IMpUserInterface,
+                       public IoldSchoolInitialisation,
+                       public gmpi::IMpLegacyInitialization,
+                       public GuiPinOwner {
+public:
+    using Handler = void (gmpi::IMpUserInterface::*)();
+    using IndexedHandler = void (gmpi::IMpUserInterface::*)(int voice);
+
+    ~MpGuiBase_base() override = default;
+
+    int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
+    int32_t addRef() override { return static_cast<int32_t>(++refCount_); }
+    int32_t release() override {
+        const auto count = static_cast<int32_t>(--refCount_);
+        if (count == 0)
+            delete this;
+        return count;
+    }
+    // Throws std::runtime_error("host Interfaces not supported") when the host lacks the first-generation
+    // GUI host interface.
+    int32_t setHost(gmpi::IMpUnknown* host) override;
+    int32_t initialize() override { return gmpi::MP_OK; }
+    int32_t setPin(int32_t pinId, int32_t voice, int32_t size, const void* data) override {
+        return GuiPinOwner::setPin2(pinId, voice, size, data);
+    }
+    int32_t receiveMessageFromAudio(int32_t, int32_t, const void*) override { return gmpi::MP_FAIL; }
+    int32_t pinTransmit(int pinId, int size, const void* data, int voice) override;
+
+protected:
+    void initializePin(int index, MpGuiPinBase& pin, Handler handler = nullptr);
+    void initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler);
+    void initializePin(MpGuiPinBase& pin, Handler handler = nullptr) { initializePin(nextPinIndex(), pin, handler); }
+
+    gmpi::IMpUserInterfaceHost* host_ = nullptr;
+
+private:
+    uint32_t refCount_ = 1;
+};
+
+namespace kx {
+
+// Runs f and turns any exception into the boundary's failure code, so nothing a module throws reaches
+// the host.
+template <class F>
+int32_t guarded(F&& f) noexcept {
+    try {
+        return f();
+    } catch (...) {
+        return gmpi::MP_FAIL;
+    }
+}
+
+// Every GUI module the factory creates is wrapped in this: each entry the host can call catches what
+// the module's own code throws and answers -1.
+template <class T>
+class GuardedGui : public T {
+public:
+    int32_t setHost(gmpi::IMpUnknown* h) override { return guarded([&] { return T::setHost(h); }); }
+    int32_t initialize() override { return guarded([&] { return T::initialize(); }); }
+    int32_t setPin(int32_t pinId, int32_t voice, int32_t size, const void* data) override {
+        return guarded([&] { return T::setPin(pinId, voice, size, data); });
+    }
+    int32_t notifyPin(int32_t pinId, int32_t voice) override {
+        return guarded([&] { return T::notifyPin(pinId, voice); });
+    }
+    int32_t receiveMessageFromAudio(int32_t id, int32_t size, const void* data) override {
+        return guarded([&] { return T::receiveMessageFromAudio(id, size, data); });
+    }
+    int32_t populateContextMenu(float x, float y, gmpi::IMpUnknown* sink) override {
+        return guarded([&] { return T::populateContextMenu(x, y, sink); });
+    }
+    int32_t onContextMenu(int32_t selection) override {
+        return guarded([&] { return T::onContextMenu(selection); });
+    }
+    int32_t getToolTip(float x, float y, gmpi::IMpUnknown* returnString) override {
+        return guarded([&] { return T::getToolTip(x, y, returnString); });
+    }
+};
+
+}  // namespace kx

@@ -1,0 +1,111 @@
+#include "TextCodec.h"
+
+#include <stdexcept>
+
+namespace kx {
+namespace {
+
+const char* const kToBytesError = "wstring_convert: to_bytes error";
+const char* const kFromBytesError = "wstring_convert: from_bytes error";
+
+// Decodes one sequence starting at text[i]; returns the code point and advances i, or returns -1
+// (leaving i unchanged) when the bytes there are not a valid UTF-8 sequence.
+inline long decodeOne(std::string_view text, size_t& i) {
+    const size_t n = text.size();
+    const auto b0 = static_cast<unsigned char>(text[i]);
+    if (b0 < 0x80) {
+        ++i;
+        return b0;
+    }
+    int len;
+    unsigned long cp;
+    unsigned long min;
+    if ((b0 & 0xE0) == 0xC0) {
+        len = 2, cp = b0 & 0x1F, min = 0x80;
+    } else if ((b0 & 0xF0) == 0xE0) {
+        len = 3, cp = b0 & 0x0F, min = 0x800;
+    } else if ((b0 & 0xF8) == 0xF0) {
+        len = 4, cp = b0 & 0x07, min = 0x10000;
+    } else {
+        return -1;
+    }
+    if (n - i < static_cast<size_t>(len))
+        return -1;
+    for (int k = 1; k < len; ++k) {
+        const auto b = static_cast<unsigned char>(text[i + k]);
+        if ((b & 0xC0) != 0x80)
+            return -1;
+        cp = (cp << 6) | (b & 0x3F);
+    }
+    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
+        return -1;
+    i += len;
+    return static_cast<long>(cp);
+}
+
+}  // namespace
+
+std::string toUtf8(std::wstring_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (wchar_t wc : text) {
+        const auto cp = static_cast<uint32_t>(wc);
+        if (cp < 0x80) {
+            out.push_back(static_cast<char>(cp));
+        } else if (cp < 0x800) {
+            out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else if (cp < 0x10000) {
+            if (cp >= 0xD800 && cp <= 0xDFFF)
+                throw std::range_error(kToBytesError);
+            out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else if (cp <= 0x10FFFF) {
+            out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else {
+            throw std::range_error(kToBytesError);
+        }
+    }
+    return out;
+}
+
+std::wstring fromUtf8(std::string_view text) {
+    std::wstring out;
+    out.reserve(text.size());
+    size_t i = 0;
+    while (i < text.size()) {
+        const long cp = decodeOne(text, i);
+        if (cp < 0)
+            throw std::range_error(kFromBytesError);
+        out.push_back(static_cast<wchar_t>(cp));
+    }
+    return out;
+}
+
+void fromUtf8Lenient(std::string_view text, std::wstring& out) {
+    out.reserve(out.size() + text.size());
+    const size_t n = text.size();
+    size_t i = 0;
+    while (i < n) {
+        // Runs of ASCII are the common case: copy them without the general decoder.
+        const auto b = static_cast<unsigned char>(text[i]);
+        if (b < 0x80) {
+            out.push_back(static_cast<wchar_t>(b));
+            ++i;
+            continue;
+        }
+        const long cp = decodeOne(text, i);
+        if (cp < 0) {
+            out.push_back(static_cast<wchar_t>(0xFFFD));
+            ++i;
+        } else {
+            out.push_back(static_cast<wchar_t>(cp));
+        }
+    }
+}
+
+}  // namespace kx

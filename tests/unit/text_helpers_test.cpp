@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <stdexcept>
+
+#include "MpBlob.h"
+#include "MpString.h"
+#include "gmpi/IMpFactory.h"
+#include "TextCodec.h"
+#include "TextHelpers.h"
+#include "it_enum_list.h"
+
+namespace {
+
+std::vector<std::string> split(const char* text) {
+    std::vector<std::string> out;
+    SplitString(text, out);
+    return out;
+}
+
+struct Item {
+    int index, id;
+    std::wstring text;
+    bool operator==(const Item&) const = default;
+};
+
+std::vector<Item> items(const std::wstring& list) {
+    std::vector<Item> r;
+    it_enum_list it(list);
+    for (it.First(); !it.IsDone(); it.Next())
+        r.push_back({it.index, it.id, it.text});
+    return r;
+}
+
+}  // namespace
+
+TEST(TextCodec, RoundTripsEveryPlane) {
+    const std::wstring text = {L'a', 0xE9, 0x20AC, 0x1F600, 0x10FFFF, 0};
+    EXPECT_EQ(kx::toUtf8(text), std::string("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF\0", 15));
+    EXPECT_EQ(kx::fromUtf8(kx::toUtf8(text)), text);
+}
+
+TEST(TextCodec, RejectsWhatIsNotUtf8WithTheSystemTexts) {
+    for (const char* bad : {"\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80", "abc\xE2\x82",
+                            "\xFF", "\xC3("}) {
+        try {
+            kx::fromUtf8(bad);
+            ADD_FAILURE() << "accepted " << bad;
+        } catch (const std::range_error& e) {
+            EXPECT_STREQ(e.what(), "wstring_convert: from_bytes error");
+        }
+    }
+    for (wchar_t bad : {static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0xDFFF), static_cast<wchar_t>(0x110000),
+                        static_cast<wchar_t>(-1)}) {
+        try {
+            kx::toUtf8(std::wstring(1, bad));
+            ADD_FAILURE() << "accepted " << static_cast<long>(bad);
+        } catch (const std::range_error& e) {
+            EXPECT_STREQ(e.what(), "wstring_convert: to_bytes error");
+        }
+    }
+}
+
+TEST(TextCodec, LenientDecodingKeepsTheRest) {
+    std::wstring out;
+    kx::fromUtf8Lenient("ok\xFF\xC3\xA9 \xE2\x82", out);
+    EXPECT_EQ(out, (std::wstring{L'o', L'k', 0xFFFD, 0xE9, L' ', 0xFFFD, 0xFFFD}));
+}
+
+TEST(SplitString, SeparatorsQuotesAndTheDeliberateCommaRule) {
+    EXPECT_EQ(split("a,b"), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(split("  a   b  "), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(split("'x y',z"), (std::vector<std::string>{"x y", "z"}));
+    EXPECT_EQ(split("a,,b"), (std::vector<std::string>{"a", ",b"}));
+    EXPECT_EQ(split("a , b"), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(split("\"\" 'open"), (std::vector<std::string>{"", "open"}));
+    EXPECT_EQ(split("ab\"c d\""), (std::vector<std::string>{"ab", "c d"}));
+    EXPECT_TRUE(split("").empty());
+    EXPECT_TRUE(split(nullptr).empty());
+}
+
+TEST(StringToInt, LeadingIntegerOrZeroAndClamped) {
+    EXPECT_EQ(StringToInt("  -42abc"), -42);
+    EXPECT_EQ(StringToInt("+7"), 7);
+    EXPECT_EQ(StringToInt("x1"), 0);
+    EXPECT_EQ(StringToInt(""), 0);
+    EXPECT_EQ(StringToInt("99999999999999999999"), 2147483647);
+    EXPECT_EQ(StringToInt("-99999999999999999999"), -2147483647 - 1);
+    EXPECT_EQ(it_enum_list::StringToInt(L"ff", 16), 255);
+    EXPECT_EQ(it_enum_list::StringToInt(L" 12z", 10), 12);
+}
+
+TEST(EnumList, ValuesCountOnFromTheLastExplicitOne) {
+    EXPECT_EQ(items(L"a=5,b,c=-2,d"),
+              (std::vector<Item>{{0, 5, L"a"}, {1, 6, L"b"}, {2, -2, L"c"}, {3, -1, L"d"}}));
+    EXPECT_EQ(it_enum_list(L"a=5,b,c=-2,d").size(), 4);
+    EXPECT_EQ(items(L" one , two "), (std::vector<Item>{{0, 0, L"one"}, {1, 1, L"two"}}));
+    EXPECT_EQ(items(L"a,,b"), (std::vector<Item>{{0, 0, L"a"}, {1, 1, L""}, {2, 2, L"b"}}));
+    EXPECT_EQ(items(L"x=junk"), (std::vector<Item>{{0, 0, L"x"}}));
+}
+
+TEST(EnumList, SizeQuirksOfTrailingCommasAndReversedRanges) {
+    EXPECT_EQ(items(L"x,").size(), 1u);
+    EXPECT_EQ(it_enum_list(L"x,").size(), 2);
+    EXPECT_EQ(it_enum_list(L"").size(), 0);
+    EXPECT_TRUE(items(L"").empty());
+    EXPECT_EQ(items(L"range 1,4"),
+              (std::vector<Item>{{0, 1, L"1"}, {1, 2, L"2"}, {2, 3, L"3"}, {3, 4, L"4"}}));
+    EXPECT_EQ(it_enum_list(L"range 1,4").size(), 4);
+    EXPECT_TRUE(items(L"range 4,1").empty());
+    EXPECT_EQ(it_enum_list(L"range 4,1").size(), 4);
+    EXPECT_EQ(items(L"range 5"), (std::vector<Item>{{0, 5, L"5"}}));
+    EXPECT_EQ(items(L"Range 1,2").size(), 2u);  // case matters: a two-item list, not a range
+    EXPECT_EQ(items(L"range 2147483646,2147483647").size(), 2u);
+}
+
+TEST(EnumList, SeparatorsAreIteratedButNeverFound) {
+    it_enum_list list(L"----,a");
+    EXPECT_FALSE(list.FindIndex(0));
+    EXPECT_TRUE(list.FindIndex(1));
+    EXPECT_EQ(list.text, L"a");
+    EXPECT_EQ(items(L"----,a").size(), 2u);
+    EXPECT_EQ(it_enum_list::ForceValidValue(L"----,a", 7), 0);
+    EXPECT_EQ(it_enum_list::ForceValidValue(L"a=3,b", 4), 4);
+    EXPECT_EQ(it_enum_list::ForceValidValue(L"", 4), 0);
+    EXPECT_FALSE(it_enum_list::IsValidValue(L"a,|||| x,b", 1));
+    EXPECT_TRUE(it_enum_list::IsValidValue(L"a,--- x,b", 1));  // three dashes are an ordinary label
+}
+
+TEST(MpBlob, ResizeGrowLosesShrinkKeeps) {
+    MpBlob blob(4, "abcd");
+    blob.resize(2);
+    EXPECT_EQ(blob.getSize(), 2);
+    EXPECT_TRUE(blob.compare("ab", 2));
+    blob.resize(4);  // within what it already owns: the leading bytes are still there
+    EXPECT_EQ(blob.getSize(), 4);
+    MpBlob grown(4, "abcd");
+    grown.resize(8);
+    EXPECT_EQ(grown.getSize(), 8);
+    grown.resize(0);
+    EXPECT_EQ(grown.getData(), nullptr);
+}
+
+TEST(MpBlob, EqualityIsSizeAndBytes) {
+    EXPECT_EQ(MpBlob(), MpBlob());
+    EXPECT_EQ(MpBlob(3, "abc"), MpBlob(3, "abc"));
+    EXPECT_NE(MpBlob(3, "abc"), MpBlob(3, "abd"));
+    EXPECT_NE(MpBlob(3, "abc"), MpBlob(2, "ab"));
+    MpBlob a(3, "xyz");
+    a = MpBlob();
+    EXPECT_EQ(a.getSize(), 0);
+    EXPECT_FALSE(a.compare("x", -1));
+}
+
+TEST(MpString, NonPositiveSizesEmptyAndOnlyTwoInterfacesAnswer) {
+    gmpi_sdk::MpString s;
+    s.setData("hello", 5);
+    EXPECT_EQ(s.str(), "hello");
+    s.setData("hello", -3);
+    EXPECT_EQ(s.getSize(), 0);
+    void* out = &s;
+    EXPECT_EQ(s.queryInterface(gmpi::MP_IID_RETURNSTRING, &out), 0);
+    EXPECT_EQ(out, static_cast<gmpi::IString*>(&s));
+    EXPECT_EQ(s.queryInterface(gmpi::MP_IID_FACTORY, &out), -2);
+    EXPECT_EQ(out, nullptr);
+}
