@@ -12,7 +12,8 @@
 #include "gmpi/IMpUserInterfaceHost2.h"
 
 namespace kx {
-template <class T> class GuardedGui;
+template <class T>
+class GuardedGui;
 }
 
 class MpGuiBase2 : public gmpi::IMpUserInterface2B, public GuiPinOwner {
@@ -20,7 +21,8 @@ public:
     // What the factory needs to know to create a class derived from this one.
     static constexpr int32_t sub_type = gmpi::MP_SUB_TYPE_GUI2;
     using principal_interface = gmpi::IMpUserInterface2B;
-    template <class T> using Guard = kx::GuardedGui<T>;
+    template <class T>
+    using Guard = kx::GuardedGui<T>;
 
     MpGuiBase2() = default;
     ~MpGuiBase2() override = default;
@@ -143,8 +145,12 @@ int32_t guarded(F&& f) noexcept {
 template <class T>
 class GuardedGui : public T {
 public:
-    int32_t setHost(gmpi::IMpUnknown* h) override { return guarded([&] { return T::setHost(h); }); }
-    int32_t initialize() override { return guarded([&] { return T::initialize(); }); }
+    int32_t setHost(gmpi::IMpUnknown* h) override {
+        return guarded([&] { return T::setHost(h); });
+    }
+    int32_t initialize() override {
+        return guarded([&] { return T::initialize(); });
+    }
     int32_t setPin(int32_t pinId, int32_t voice, int32_t size, const void* data) override {
         return guarded([&] { return T::setPin(pinId, voice, size, data); });
     }

@@ -127,12 +127,15 @@ private:
 
 namespace kx::detail {
 
-template <class T> struct GuiPinTraits;
+template <class T>
+struct GuiPinTraits;
 
-template <> struct GuiPinTraits<int> {
+template <>
+struct GuiPinTraits<int> {
     static constexpr int datatype = MP_DT_INT;
 };
-template <> struct GuiPinTraits<float> {
+template <>
+struct GuiPinTraits<float> {
     static constexpr int datatype = MP_DT_FLOAT;
 };
 

@@ -40,6 +40,6 @@ public:
 private:
     std::wstring listText_;
     bool rangeMode_ = false;
-    int position_ = 0;   // list mode: where the next item begins; range mode: the first value
+    int position_ = 0;  // list mode: where the next item begins; range mode: the first value
     int rangeHigh_ = 0;
 };

@@ -25,14 +25,15 @@ inline bool operator==(const MpGuid& a, const MpGuid& b) {
 inline constexpr MpGuid MP_IID_UNKNOWN = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 // The same identifier as some hosts spell it: {00000000-0000-C000-0000-000000000046}.
 // Never sent by us; accepted wherever the other spelling is.
-inline constexpr MpGuid MP_IID_UNKNOWN_ALT = {0x00000000, 0x0000, 0xC000, {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+inline constexpr MpGuid MP_IID_UNKNOWN_ALT = {
+    0x00000000, 0x0000, 0xC000, {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 
 inline bool isUnknownIid(const MpGuid& iid) { return iid == MP_IID_UNKNOWN || iid == MP_IID_UNKNOWN_ALT; }
 
 // Result codes of every host-facing operation.
-inline constexpr int32_t MP_OK = 0;           // success, handled, hit
-inline constexpr int32_t MP_FAIL = -1;        // failure, not handled, or an exception caught at the boundary
-inline constexpr int32_t MP_NOSUPPORT = -2;   // unknown interface, identifier or side
+inline constexpr int32_t MP_OK = 0;          // success, handled, hit
+inline constexpr int32_t MP_FAIL = -1;       // failure, not handled, or an exception caught at the boundary
+inline constexpr int32_t MP_NOSUPPORT = -2;  // unknown interface, identifier or side
 
 // Sub-types (sides) a module identifier can be created on.
 inline constexpr int32_t MP_SUB_TYPE_AUDIO = 0;  // the DSP half

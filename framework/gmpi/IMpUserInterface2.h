@@ -6,7 +6,8 @@
 namespace gmpi {
 
 // {9CD06775-F5C2-4321-812D-0958153294B8}
-inline constexpr MpGuid MP_IID_GUI_PLUGIN2 = {0x9CD06775, 0xF5C2, 0x4321, {0x81, 0x2D, 0x09, 0x58, 0x15, 0x32, 0x94, 0xB8}};
+inline constexpr MpGuid MP_IID_GUI_PLUGIN2 = {
+    0x9CD06775, 0xF5C2, 0x4321, {0x81, 0x2D, 0x09, 0x58, 0x15, 0x32, 0x94, 0xB8}};
 // The B variant keeps the second version's identifier: it only appends notifyPin.
 inline constexpr MpGuid MP_IID_GUI_PLUGIN2B = MP_IID_GUI_PLUGIN2;
 

@@ -6,11 +6,13 @@
 namespace gmpi {
 
 // {DE009D92-E281-4F92-9996-200F49690028}
-inline constexpr MpGuid MP_IID_UI_HOST2 = {0xDE009D92, 0xE281, 0x4F92, {0x99, 0x96, 0x20, 0x0F, 0x49, 0x69, 0x00, 0x28}};
+inline constexpr MpGuid MP_IID_UI_HOST2 = {
+    0xDE009D92, 0xE281, 0x4F92, {0x99, 0x96, 0x20, 0x0F, 0x49, 0x69, 0x00, 0x28}};
 
 // A resource opened for reading (see openResource).
 // {C0200B6B-BFDF-4829-8240-CF9C718C00C6}
-inline constexpr MpGuid MP_IID_RESOURCE_STREAM = {0xC0200B6B, 0xBFDF, 0x4829, {0x82, 0x40, 0xCF, 0x9C, 0x71, 0x8C, 0x00, 0xC6}};
+inline constexpr MpGuid MP_IID_RESOURCE_STREAM = {
+    0xC0200B6B, 0xBFDF, 0x4829, {0x82, 0x40, 0xCF, 0x9C, 0x71, 0x8C, 0x00, 0xC6}};
 
 class IMpResourceStream : public IMpUnknown {
 public:
@@ -39,8 +41,7 @@ public:
     // [gui thread] Resolves a resource by zero-terminated UTF-8 name and type ("Image", "ImageMeta",
     // "Instrument", ...) into a full path, written to the IString given. Returns 0; when nothing is found
     // the path the resource would have is written and -1 returned.
-    virtual int32_t resolveResource(const char* resourceName, const char* resourceType,
-                                    IMpUnknown* returnFullPath) = 0;
+    virtual int32_t resolveResource(const char* resourceName, const char* resourceType, IMpUnknown* returnFullPath) = 0;
     // [gui thread] Opens a file (a path resolveResource returned) for reading; the caller owns the
     // IMpResourceStream given in *returnStream. Returns 0, or -1 with null when it cannot be opened.
     virtual int32_t openResource(const char* fullPath, IMpUnknown** returnStream) = 0;

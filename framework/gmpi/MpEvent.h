@@ -14,14 +14,14 @@ enum MpEventType : int32_t {
 };
 
 struct MpEvent {
-    int32_t timeDelta;   // sample offset in the block
-    int32_t eventType;   // MpEventType
-    int32_t parm1;       // pin index
-    int32_t parm2;       // data size in bytes
-    int32_t parm3;       // the first 4 data bytes, when the data fits in 8
-    int32_t parm4;       // the next 4 data bytes
-    char* extraData;     // the data, when it does not fit in 8 bytes; owned by the host
-    MpEvent* next;       // next event of the block, or null
+    int32_t timeDelta;  // sample offset in the block
+    int32_t eventType;  // MpEventType
+    int32_t parm1;      // pin index
+    int32_t parm2;      // data size in bytes
+    int32_t parm3;      // the first 4 data bytes, when the data fits in 8
+    int32_t parm4;      // the next 4 data bytes
+    char* extraData;    // the data, when it does not fit in 8 bytes; owned by the host
+    MpEvent* next;      // next event of the block, or null
 };
 
 }  // namespace gmpi

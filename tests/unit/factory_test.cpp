@@ -19,7 +19,9 @@ struct Throws : SeGuiInvisibleBase {
 struct Legacy : SeGuiInvisibleBase, gmpi::IMpLegacyInitialization {
     static inline gmpi::IMpUnknown* seen = nullptr;
     static inline bool fail = false;
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override { return SeGuiInvisibleBase::queryInterface(iid, out); }
+    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
+        return SeGuiInvisibleBase::queryInterface(iid, out);
+    }
     int32_t addRef() override { return SeGuiInvisibleBase::addRef(); }
     int32_t release() override { return SeGuiInvisibleBase::release(); }
     int32_t setHost(gmpi::IMpUnknown* h) override {

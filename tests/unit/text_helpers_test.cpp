@@ -5,9 +5,9 @@
 
 #include "MpBlob.h"
 #include "MpString.h"
-#include "gmpi/IMpFactory.h"
 #include "TextCodec.h"
 #include "TextHelpers.h"
+#include "gmpi/IMpFactory.h"
 #include "it_enum_list.h"
 
 namespace {
@@ -41,8 +41,8 @@ TEST(TextCodec, RoundTripsEveryPlane) {
 }
 
 TEST(TextCodec, RejectsWhatIsNotUtf8WithTheSystemTexts) {
-    for (const char* bad : {"\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80", "abc\xE2\x82",
-                            "\xFF", "\xC3("}) {
+    for (const char* bad :
+         {"\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80", "abc\xE2\x82", "\xFF", "\xC3("}) {
         try {
             kx::fromUtf8(bad);
             ADD_FAILURE() << "accepted " << bad;
@@ -91,8 +91,7 @@ TEST(StringToInt, LeadingIntegerOrZeroAndClamped) {
 }
 
 TEST(EnumList, ValuesCountOnFromTheLastExplicitOne) {
-    EXPECT_EQ(items(L"a=5,b,c=-2,d"),
-              (std::vector<Item>{{0, 5, L"a"}, {1, 6, L"b"}, {2, -2, L"c"}, {3, -1, L"d"}}));
+    EXPECT_EQ(items(L"a=5,b,c=-2,d"), (std::vector<Item>{{0, 5, L"a"}, {1, 6, L"b"}, {2, -2, L"c"}, {3, -1, L"d"}}));
     EXPECT_EQ(it_enum_list(L"a=5,b,c=-2,d").size(), 4);
     EXPECT_EQ(items(L" one , two "), (std::vector<Item>{{0, 0, L"one"}, {1, 1, L"two"}}));
     EXPECT_EQ(items(L"a,,b"), (std::vector<Item>{{0, 0, L"a"}, {1, 1, L""}, {2, 2, L"b"}}));
@@ -104,8 +103,7 @@ TEST(EnumList, SizeQuirksOfTrailingCommasAndReversedRanges) {
     EXPECT_EQ(it_enum_list(L"x,").size(), 2);
     EXPECT_EQ(it_enum_list(L"").size(), 0);
     EXPECT_TRUE(items(L"").empty());
-    EXPECT_EQ(items(L"range 1,4"),
-              (std::vector<Item>{{0, 1, L"1"}, {1, 2, L"2"}, {2, 3, L"3"}, {3, 4, L"4"}}));
+    EXPECT_EQ(items(L"range 1,4"), (std::vector<Item>{{0, 1, L"1"}, {1, 2, L"2"}, {2, 3, L"3"}, {3, 4, L"4"}}));
     EXPECT_EQ(it_enum_list(L"range 1,4").size(), 4);
     EXPECT_TRUE(items(L"range 4,1").empty());
     EXPECT_EQ(it_enum_list(L"range 4,1").size(), 4);
