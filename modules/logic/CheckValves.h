@@ -27,8 +27,9 @@ public:
     MpGuiPin<T> out;
 
 private:
-    // Set while a value is sent backwards: the host may deliver it into "In" during the send, and that
-    // echo must not flow forwards again (the mode may be switched by the same wave of host traffic).
+    // Set while a value is sent backwards: whatever the host delivers into "In" during that send (its echo,
+    // or a value it adjusted) must not flow forwards again, even if the same wave of host traffic has
+    // switched the mode to forward meanwhile.
     bool busy = false;
 };
 
