@@ -10,7 +10,7 @@ namespace kx::checkvalve {
 enum Pin : int { Mode, In, Out, PinCount };
 // Direction modes; any other value closes the valve.
 enum Direction : int { Forward = 0, Backward = 1 };
-}
+}  // namespace kx::checkvalve
 
 // Mode 0 copies "In" to "Out" when "In" changes; mode 1 copies "Out" to "In" when "Out" changes; other
 // modes pass nothing. Only values that differ from the other side are sent.

@@ -48,13 +48,26 @@ bool KX_Cmp<T>::compare(bool& out) const {
     } else {
         // Plain IEEE comparisons for floats: with a NaN operand only "not equal" holds, and -0.0 equals 0.0.
         switch (static_cast<unsigned>(mode.value)) {
-        case 0: out = a > b; return true;
-        case 1: out = a >= b; return true;
-        case 2: out = a == b; return true;
-        case 3: out = a != b; return true;
-        case 4: out = a <= b; return true;
-        case 5: out = a < b; return true;
-        default: return false;
+            case 0:
+                out = a > b;
+                return true;
+            case 1:
+                out = a >= b;
+                return true;
+            case 2:
+                out = a == b;
+                return true;
+            case 3:
+                out = a != b;
+                return true;
+            case 4:
+                out = a <= b;
+                return true;
+            case 5:
+                out = a < b;
+                return true;
+            default:
+                return false;
         }
     }
 }

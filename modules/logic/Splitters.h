@@ -11,7 +11,7 @@ namespace kx::splitter {
 enum Pin : int { Mode, CrossFeed, Common, FirstExtra };
 // Flow modes; the flow is (mode + 1) read as bits, so other values give other (or no) flows.
 enum Flow : int { ExtrasToCommon = 0, CommonToExtras = 1, BothWays = 2 };
-}
+}  // namespace kx::splitter
 
 // Copies values between "Common" and the extra pins as raw bytes, without comparing them with earlier
 // values. The flow is (mode + 1): bit 0 lets an extra pin feed the common pin, bit 1 lets the common pin

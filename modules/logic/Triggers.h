@@ -10,11 +10,11 @@
 namespace kx::trigger {
 // First generation: the output comes first.
 enum Pin : int { Output, Input, TriggerL, TriggerR, PinCount };
-}
+}  // namespace kx::trigger
 namespace kx::trigger2 {
 // Second generation: input and output swap places, and the held value is appended last.
 enum Pin : int { Input, Output, TriggerL, TriggerR, Held, PinCount };
-}
+}  // namespace kx::trigger2
 
 // Copies "Input" to "Output" each time the host notifies either trigger pin with true. Changes of the input
 // alone, and triggers going false, pass nothing; a trigger that stays true passes nothing new until the

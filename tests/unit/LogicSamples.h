@@ -13,31 +13,41 @@ namespace kxtest {
 
 using Bytes = std::vector<unsigned char>;
 
-template <class T> struct Sample;
-template <> struct Sample<int> {
+template <class T>
+struct Sample;
+template <>
+struct Sample<int> {
     static int first() { return 7; }
     static int second() { return -8; }
 };
-template <> struct Sample<float> {
+template <>
+struct Sample<float> {
     static float first() { return 1.5f; }
     static float second() { return -2.25f; }
 };
-template <> struct Sample<bool> {
+template <>
+struct Sample<bool> {
     // Pins start false, so the first sample must differ from that.
     static bool first() { return true; }
     static bool second() { return false; }
 };
-template <> struct Sample<std::wstring> {
+template <>
+struct Sample<std::wstring> {
     static std::wstring first() { return L"abc"; }
     static std::wstring second() { return L"h\u00e9llo \U0001F600"; }
 };
-template <> struct Sample<MpBlob> {
+template <>
+struct Sample<MpBlob> {
     static MpBlob first() { return MpBlob(3, "\x01\x02\x03"); }
     static MpBlob second() { return MpBlob(1, "\x09"); }
 };
 
-inline Bytes raw(int v) { return Bytes(reinterpret_cast<unsigned char*>(&v), reinterpret_cast<unsigned char*>(&v) + 4); }
-inline Bytes raw(float v) { return Bytes(reinterpret_cast<unsigned char*>(&v), reinterpret_cast<unsigned char*>(&v) + 4); }
+inline Bytes raw(int v) {
+    return Bytes(reinterpret_cast<unsigned char*>(&v), reinterpret_cast<unsigned char*>(&v) + 4);
+}
+inline Bytes raw(float v) {
+    return Bytes(reinterpret_cast<unsigned char*>(&v), reinterpret_cast<unsigned char*>(&v) + 4);
+}
 inline Bytes raw(bool v) { return Bytes{static_cast<unsigned char>(v ? 1 : 0)}; }
 inline Bytes raw(const std::wstring& v) {
     const auto* p = reinterpret_cast<const unsigned char*>(v.data());

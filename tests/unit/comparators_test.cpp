@@ -6,8 +6,8 @@
 #include <cmath>
 #include <limits>
 
-#include "logic/Comparators.h"
 #include "FakeGuiHost.h"
+#include "logic/Comparators.h"
 
 using kxtest::deliver;
 using kxtest::deliverText;

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "FakeGuiHost.h"
-#include "logic/FixedValues.h"
 #include "LogicSamples.h"
+#include "logic/FixedValues.h"
 
 using kxtest::deliver;
 using kxtest::deliverText;

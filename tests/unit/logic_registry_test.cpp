@@ -7,10 +7,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "MpFactory.h"
 #include "logic/CheckValves.h"
 #include "logic/Comparators.h"
 #include "logic/FixedValues.h"
-#include "MpFactory.h"
 #include "logic/Splitters.h"
 #include "logic/Triggers.h"
 

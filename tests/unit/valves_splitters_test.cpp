@@ -3,9 +3,9 @@
 #include <climits>
 #include <stdexcept>
 
-#include "logic/CheckValves.h"
 #include "FakeGuiHost.h"
 #include "LogicSamples.h"
+#include "logic/CheckValves.h"
 #include "logic/Splitters.h"
 
 using kxtest::Bytes;
@@ -139,7 +139,7 @@ TYPED_TEST(Splitter, LearnsItsExtraPinsFromTheHost) {
     EXPECT_EQ(traffic(this->host), (Traffic{{3, a}, {4, a}, {5, a}, {6, a}}));
 
     this->host.sent.clear();
-    send(this->module, 4, a);  // a lower pin does not shrink the count
+    send(this->module, 4, a);            // a lower pin does not shrink the count
     send(this->module, pin::Common, a);  // forwarded again, without comparing
     EXPECT_EQ(this->host.sent.size(), 4u);
 }
