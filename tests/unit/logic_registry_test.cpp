@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <dlfcn.h>
+
 #include <fstream>
 #include <map>
 #include <set>
@@ -117,4 +119,24 @@ TEST(LogicRegistry, DescriptionsMatchTheBoundPins) {
         }
     }
     EXPECT_EQ(described.size(), kIdentifiers.size());
+}
+
+// The registrations must reach the loadable bundle, not only this test program.
+TEST(LogicRegistry, BundleCreatesEveryIdentifier) {
+    void* handle = dlopen(KX_BUNDLE_PATH, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(handle, nullptr) << dlerror();
+    using Entry = int32_t (*)(void**);
+    auto entry = reinterpret_cast<Entry>(dlsym(handle, "MP_GetFactory"));
+    ASSERT_NE(entry, nullptr);
+    void* out = nullptr;
+    ASSERT_EQ(entry(&out), gmpi::MP_OK);
+    void* factory = nullptr;
+    ASSERT_EQ(static_cast<gmpi::IMpUnknown*>(out)->queryInterface(gmpi::MP_IID_FACTORY2, &factory), gmpi::MP_OK);
+    auto* f = static_cast<gmpi::IMpFactory2*>(factory);
+    for (const auto& [id, check] : kIdentifiers) {
+        void* object = nullptr;
+        ASSERT_EQ(f->createInstance2(id.c_str(), gmpi::MP_SUB_TYPE_GUI2, &object), gmpi::MP_OK) << kx::toUtf8(id);
+        static_cast<gmpi::IMpUnknown*>(object)->release();
+    }
+    dlclose(handle);
 }
