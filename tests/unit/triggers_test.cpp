@@ -10,7 +10,6 @@ using kxtest::FakeGuiHost;
 using kxtest::raw;
 using kxtest::Sample;
 using kxtest::send;
-using kxtest::store;
 using kxtest::traffic;
 
 namespace {
@@ -62,13 +61,6 @@ TYPED_TEST(Trigger, PassesInputOnlyWhenATriggerIsNotifiedTrue) {
     EXPECT_EQ(this->host.sent[1].bytes, b);
 }
 
-TYPED_TEST(Trigger, StoredTriggerWithoutNotificationPassesNothing) {
-    namespace pin = kx::trigger;
-    send(this->module, pin::Input, raw(Sample<TypeParam>::first()));
-    store(this->module, pin::TriggerL, on);
-    EXPECT_TRUE(this->host.sent.empty());
-}
-
 TYPED_TEST(Trigger2, InputAndOutputSwapAndTheHeldValueLeads) {
     namespace pin = kx::trigger2;
     const auto a = raw(Sample<TypeParam>::first());
@@ -86,22 +78,6 @@ TYPED_TEST(Trigger2, HeldValueRestoredByHostStillReachesTheOutput) {
 
     send(this->module, pin::TriggerR, on);
     EXPECT_EQ(traffic(this->host), (std::vector<std::pair<int, kxtest::Bytes>>{{pin::Output, a}}));
-}
-
-TEST(Trigger2Int, HeldValueOverwrittenByHostIsReplacedOnTrigger) {
-    namespace pin = kx::trigger2;
-    FakeGuiHost host;
-    KX_TriggerInt2 m;
-    m.setHost(host.unknown());
-    kxtest::deliver(m, pin::Input, 3);
-    kxtest::deliver(m, pin::TriggerL, 1);
-    kxtest::deliver(m, pin::Held, 9);  // outside change of the held value
-    host.sent.clear();
-
-    kxtest::deliver(m, pin::TriggerL, 1);
-    ASSERT_EQ(host.sent.size(), 1u);  // held back to 3; the output already is 3
-    EXPECT_EQ(host.sent[0].pin, pin::Held);
-    EXPECT_EQ(host.sent[0].asInt(), 3);
 }
 
 TEST(TriggerFloat, NaNIsAlwaysPassedAndNegativeZeroDoesNotReplaceZero) {
