@@ -3,6 +3,11 @@
 // selectors. Octaves count from A, not C: the key list starts at A and the octave number goes up between
 // G# and A, so MIDI note 9 and pitch voltage 0 are both A in octave 0.
 //
+// A host echoes what a module writes straight back into the same pin. One flag, held by both handlers
+// while they write, keeps each echo from running the other handler: the echo of a joined note would
+// otherwise rewrite the key and octave the user chose (key 12 in octave 4 would become key 0 in octave
+// 5), and the echo of a split key would join it with the octave not yet written and overwrite the note.
+//
 // Negative notes (below MIDI note 9 or pitch 0) are not wrapped: the key comes out negative (MIDI note 0
 // is key -9 in octave 0). Keys and octaves arriving out of range are not checked either: key 12 in
 // octave 4 is the same note as key 0 in octave 5.
@@ -31,15 +36,18 @@ public:
         return SeGuiInvisibleBase::initialize();
     }
 
-    // The note pin changed: key first, then octave, each sent only when it changed. An echo of the note
-    // that onSetKey wrote is ignored, so the key and octave the user chose are never rewritten from it.
+    // The note pin changed: key first, then octave, each sent only when it changed.
     void onSetNote() {
         if (reentering_)
             return;
+        kx::ReentryFlag hold(reentering_);
         key = Derived::keyOf(note);
         octave = Derived::octaveOf(note);
     }
+    // Key or octave changed: the note they make, sent only when it changed.
     void onSetKey() {
+        if (reentering_)
+            return;
         kx::ReentryFlag hold(reentering_);
         note = Derived::noteOf(key, octave);
     }
