@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "ModuleSupport.h"
 #include "MpFactory.h"
@@ -84,7 +85,7 @@ void KX_StringLoader::transfer() {
         return;
     std::wstring content;
     if (kx::readTextFile(kx::toUtf8(fileName_), content))
-        text = content;
+        text = std::move(content);
 }
 
 // ---- KX_StringSaver
