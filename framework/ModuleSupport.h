@@ -11,17 +11,18 @@
 namespace kx {
 
 // Holds a module's re-entry flag for one scope. A module whose write is echoed back by the host into one
-// of its own pins tests the flag in that pin's handler; the destructor clears it on every path out,
-// including an exception.
+// of its own pins tests the flag in that pin's handler; the destructor puts back what the flag was (so a
+// nested hold does not release an outer one) on every path out, including an exception.
 class ReentryFlag {
 public:
-    explicit ReentryFlag(bool& flag) : flag_(flag) { flag_ = true; }
-    ~ReentryFlag() { flag_ = false; }
+    explicit ReentryFlag(bool& flag) : flag_(flag), previous_(flag) { flag_ = true; }
+    ~ReentryFlag() { flag_ = previous_; }
     ReentryFlag(const ReentryFlag&) = delete;
     ReentryFlag& operator=(const ReentryFlag&) = delete;
 
 private:
     bool& flag_;
+    bool previous_;
 };
 
 // Truncates toward zero to a 32-bit integer. NaN and values outside the 32-bit range give INT_MIN, the

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cwchar>
 
+#include "ModuleSupport.h"
 #include "MpFactory.h"
 
 namespace kx {
@@ -104,6 +105,8 @@ KX_Int2TxtC::KX_Int2TxtC() {
 }
 
 void KX_Int2TxtC::onSetVal() {
+    if (reentering_)
+        return;
     int clamped = value;
     if (clamped < minimum)
         clamped = minimum;
@@ -116,6 +119,7 @@ void KX_Int2TxtC::onSetTxt() {
     const std::optional<int> typed = kx::parseLeadingInt(text.getValue());
     if (!typed)
         return;
+    kx::ReentryFlag hold(reentering_);
     if (*typed < minimum) {
         value = minimum.value;
         text = std::to_wstring(minimum.value);
@@ -143,6 +147,8 @@ std::wstring KX_Float2TxtC::format(float v) const {
 }
 
 void KX_Float2TxtC::onSetVal() {
+    if (reentering_)
+        return;
     float clamped = value;
     if (minimum > clamped)
         clamped = minimum;
@@ -155,6 +161,7 @@ void KX_Float2TxtC::onSetTxt() {
     const std::optional<float> typed = kx::parseLeadingFloat(text.getValue());
     if (!typed)
         return;
+    kx::ReentryFlag hold(reentering_);
     if (*typed < minimum) {
         value = minimum.value;
         text = format(minimum);

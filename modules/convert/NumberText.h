@@ -2,6 +2,10 @@
 // entry and a numeric control can edit the same value. Writing the number rewrites the text; writing the
 // text parses it and writes the number. A change of a limit alone recomputes nothing; limits take effect
 // at the next change of the value or the text.
+//
+// Text typed within the limits is left as typed. A host that echoes the value written from the text
+// back into the value pin would have it reformatted at once, so the integer and float modules ignore
+// that echo while they write the value.
 #pragma once
 
 #include <optional>
@@ -54,6 +58,9 @@ public:
     MpGuiPin<int> minimum;
     MpGuiPin<int> maximum;
     StringGuiPin text;
+
+private:
+    bool reentering_ = false;
 };
 
 // A float with limits and its text with a precision. The decimals pin d sets the precision to d + 1
@@ -77,6 +84,7 @@ public:
 
 private:
     std::wstring format(float v) const;
+    bool reentering_ = false;
 };
 
 // Four colour channels (0 to 1) and the hexadecimal ARGB colour text that colour pins carry.

@@ -187,3 +187,25 @@ TEST(ARGB2Str, TextIsOneHexNumberWithoutSpecialCases) {
             << zero;
     }
 }
+
+// A host echoes the value written from the text back into the value pin; that echo must not reformat
+// the text the user typed.
+TEST(NumberText, EchoOfTheValueLeavesTypedTextAsTyped) {
+    Hosted<KX_Int2TxtC> i;
+    withLimits(i, Int2TxtCPin::Minimum, Int2TxtCPin::Maximum, 0, 10);
+    i.echoTransmissions();
+    i.sendText(Int2TxtCPin::Text, L"007");
+    EXPECT_EQ(i.module.value.value, 7);
+    EXPECT_EQ(i.module.text.value, L"007");
+    i.sendText(Int2TxtCPin::Text, L"12");
+    EXPECT_EQ(i.module.text.value, L"10");
+    i.send(Int2TxtCPin::Value, 3);  // the value from elsewhere still rewrites the text
+    EXPECT_EQ(i.module.text.value, L"3");
+
+    Hosted<KX_Float2TxtC> f;
+    withLimits(f, Float2TxtCPin::Minimum, Float2TxtCPin::Maximum, 0.0f, 1000.0f);
+    f.echoTransmissions();
+    f.sendText(Float2TxtCPin::Text, L"0440.0");
+    EXPECT_FLOAT_EQ(f.module.value.value, 440.0f);
+    EXPECT_EQ(f.module.text.value, L"0440.0");
+}
