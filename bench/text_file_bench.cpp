@@ -5,6 +5,8 @@
 
 #include <unistd.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -17,6 +19,11 @@ namespace {
 
 constexpr size_t kFileBytes = 64u << 20;
 
+// The sample's name in plain storage, so removing it at exit does not depend on the order in which
+// static objects are destroyed.
+char samplePath[4096];
+void removeSample() { std::remove(samplePath); }
+
 // A 64 MB file of mixed text: mostly ASCII, with two-, three- and four-byte sequences on every line.
 const std::filesystem::path& sampleFile() {
     static const std::filesystem::path path = [] {
@@ -28,17 +35,12 @@ const std::filesystem::path& sampleFile() {
             text += line;
         text.resize(kFileBytes - (kFileBytes % line.size()));  // whole lines only
         std::ofstream(p, std::ios::binary) << text;
+        std::snprintf(samplePath, sizeof samplePath, "%s", p.c_str());
+        std::atexit(removeSample);
         return p;
     }();
     return path;
 }
-
-struct RemoveSample {
-    ~RemoveSample() {
-        std::error_code ignored;
-        std::filesystem::remove(sampleFile(), ignored);
-    }
-} removeSample;
 
 // A host that takes each transmitted value and does nothing with it, as a host whose pin has no wire.
 class QuietHost final : public gmpi::IMpUserInterfaceHost2 {
