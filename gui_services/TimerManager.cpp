@@ -79,8 +79,8 @@ void TimerManager::RegisterClient(TimerClient* client, int intervalMs) {
 }
 
 void TimerManager::UnRegisterClient(TimerClient* client) {
-    auto group = std::find_if(groups_.begin(), groups_.end(),
-                              [&](const se_sdk_timers::Timer& g) { return g.contains(client); });
+    auto group =
+        std::find_if(groups_.begin(), groups_.end(), [&](const se_sdk_timers::Timer& g) { return g.contains(client); });
     if (group == groups_.end())
         return;
     auto& clients = group->clients_;

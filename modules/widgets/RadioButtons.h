@@ -7,7 +7,7 @@
 
 enum RadioButtonsPins {
     kRadioSelection,
-    kRadioOneBased,  // false: buttons count from 0; true: from 1, and 0 selects none
+    kRadioOneBased,     // false: buttons count from 0; true: from 1, and 0 selects none
     kRadioFirstButton,  // every further pin the host reports is a button, float 1.0 on / 0.0 off
     kRadioFixedPinCount = kRadioFirstButton
 };

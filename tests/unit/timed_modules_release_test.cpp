@@ -23,7 +23,7 @@ TEST(TimedModules, ReleasedModulesLeaveNoTimerRegistered) {
         return module;
     };
     auto* timer = make(L"KX_GUITimer");
-    deliver(*timer, 2, 5);     // oscillator
+    deliver(*timer, 2, 5);  // oscillator
     deliver(*timer, 3, 20);
     deliver(*timer, 4, 30);
     deliver(*timer, 0, true);  // running
