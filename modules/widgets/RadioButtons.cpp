@@ -45,6 +45,12 @@ int32_t KX_RadioButtons::setPin(int32_t pinId, int32_t voice, int32_t size, cons
     return gmpi::MP_OK;
 }
 
+int32_t KX_RadioButtons::notifyPin(int32_t pinId, int32_t voice) {
+    if (pinId >= firstButtonPin_)
+        return gmpi::MP_OK;
+    return SeGuiInvisibleBase::notifyPin(pinId, voice);
+}
+
 void KX_RadioButtons::onSetButton(int button, int32_t size, const void* data) {
     if (!oneBased_) {
         // Any update of a button selects it, even one turning it off: the tick turns it back on.

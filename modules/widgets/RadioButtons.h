@@ -20,6 +20,8 @@ public:
     // Button pins are not bound: a host update of one changes the selection here, and a timer tick later
     // every button is rewritten so that the others turn off.
     int32_t setPin(int32_t pinId, int32_t voice, int32_t size, const void* data) override;
+    // A button update was handled by setPin already: its announcement succeeds with nothing more to do.
+    int32_t notifyPin(int32_t pinId, int32_t voice) override;
     void onSetValue();
     bool OnTimer() override;
 

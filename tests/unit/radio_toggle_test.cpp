@@ -74,7 +74,9 @@ TEST_F(RadioButtons, InitializeAssertsTheGroupFromTheHostsPinCount) {
 
 TEST_F(RadioButtons, ZeroBasedButtonTurnedOffIsSelectedAndReassertedATickLater) {
     start(4, false, 0);
-    press(2, 0.0f);
+    const float off = 0.0f;
+    EXPECT_EQ(radio.setPin(kRadioFirstButton + 2, 0, sizeof(off), &off), gmpi::MP_OK);
+    EXPECT_EQ(radio.notifyPin(kRadioFirstButton + 2, 0), gmpi::MP_OK);
     EXPECT_EQ(selectionsSent(), (std::vector<int>{2}));
     EXPECT_EQ(buttons(4), (std::vector<float>{-1, -1, -1, -1}));
     loop.advance(9);
