@@ -121,6 +121,7 @@ private:
     Location current_;
     int depth_ = 0;
     bool cutting_ = false;  // a loop was cut: drop every transmission until the cascade unwinds
+    bool closing_ = false;  // modules are being released: nothing they transmit is routed any more
     int failures_ = 0;
     bool warnedDsp_ = false;
 };

@@ -185,3 +185,50 @@ TEST(Bundle, CreatesOnlyDescribedSidesItHas) {
     EXPECT_FALSE(b.creates("T_AddOne", Side::Dsp));
     EXPECT_FALSE(b.creates("T_Ghost", Side::Gui));
 }
+
+namespace {
+
+constexpr gmpi::MpGuid probeFaceIid = {0xABCDEF01, 2, 3, {4, 5, 6, 7, 8, 9, 10, 12}};
+
+// Offers one face to every instance and records the order of the hooks it sees.
+class ProbeExtension : public Extension {
+public:
+    void instanceCreated(Session&, Instance& inst) override {
+        events.push_back("created " + inst.name() + (inst.gui ? " gui" : ""));
+        inst.offer(probeFaceIid, &face);
+    }
+    void started(Session&) override { events.push_back("started"); }
+    void finishing(Session&) override { events.push_back("finishing"); }
+
+    std::vector<std::string> events;
+    ReturnString face;
+};
+
+std::vector<std::string>* lastEvents = nullptr;
+
+struct Recorder : ProbeExtension {
+    ~Recorder() override {
+        if (lastEvents)
+            *lastEvents = events;
+    }
+};
+
+const bool probeRegistered = Extensions::add([] { return std::make_unique<Recorder>(); });
+
+}  // namespace
+
+TEST(HostExtensions, SeeEveryInstanceBeforeItsHostAndOfferFaces) {
+    ASSERT_TRUE(probeRegistered);
+    std::vector<std::string> events;
+    lastEvents = &events;
+    {
+        PatchRun r("instance a T_AddOne\ninstance b T_EchoText\n");
+        auto* probe = r.session->extension<ProbeExtension>();
+        ASSERT_NE(probe, nullptr);
+        void* out = nullptr;
+        ASSERT_EQ(r.session->instance("b")->guiHost().queryInterface(probeFaceIid, &out), gmpi::MP_OK);
+        EXPECT_EQ(out, &probe->face);
+    }
+    EXPECT_EQ(events, (std::vector<std::string>{"created a gui", "created b gui", "started", "finishing"}));
+    lastEvents = nullptr;
+}
