@@ -274,21 +274,21 @@ Value Parser::value(const Line& line, const Token& token, Datatype type) const {
                 throw wrong(type == Datatype::Int ? "an int" : "an enum value (an int)");
             if (*v < INT32_MIN || *v > UINT32_MAX)
                 fail(line, s + " does not fit in 32 bits");
-            return Value(type, static_cast<int32_t>(static_cast<uint32_t>(*v)));
+            return Value::ofInt(static_cast<int32_t>(static_cast<uint32_t>(*v)), type);
         }
         case Datatype::Float:
         case Datatype::Audio: {
             const auto v = token.quoted ? std::nullopt : parseFloat(s);
             if (!v)
                 throw wrong("a float");
-            return Value(type, *v);
+            return Value::ofFloat(*v, type);
         }
         case Datatype::Blob:
         case Datatype::Midi: {
             const auto v = token.quoted ? std::nullopt : parseBlob(s);
             if (!v)
                 throw wrong("a blob (hex bytes in brackets: [00 ff 10])");
-            return Value(type, *v);
+            return Value::ofBlob(*v, type);
         }
     }
     throw wrong("a value");

@@ -12,7 +12,7 @@ using kxhosttest::PatchRun;
 
 namespace {
 
-std::wstring text(const Value& v) { return std::get<std::wstring>(v.storage()); }
+std::wstring text(const Value& v) { return v.text(); }
 
 // A scratch resource folder with one image, removed afterwards.
 struct ResourceDir {
