@@ -96,7 +96,8 @@ SideInfo readSide(const json& j, const std::string& where) {
                               ? datatypeFromName(p["datatype"].get<std::string>())
                               : std::nullopt;
         if (!type)
-            throw HostError(at + " (" + pin.name + "): \"datatype\" must be one of text, bool, float, int, blob, enum, audio, midi");
+            throw HostError(at + " (" + pin.name +
+                            "): \"datatype\" must be one of text, bool, float, int, blob, enum, audio, midi");
         pin.type = *type;
         const std::string direction = p.value("direction", std::string());
         if (direction != "in" && direction != "out")

@@ -44,12 +44,24 @@ std::string readQuoted(const std::string& s, size_t& i, const Location& where) {
         if (++i == s.size())
             break;
         switch (s[i]) {
-            case 'n': out += '\n'; break;
-            case 't': out += '\t'; break;
-            case 'r': out += '\r'; break;
-            case '0': out += '\0'; break;
-            case '"': out += '"'; break;
-            case '\\': out += '\\'; break;
+            case 'n':
+                out += '\n';
+                break;
+            case 't':
+                out += '\t';
+                break;
+            case 'r':
+                out += '\r';
+                break;
+            case '0':
+                out += '\0';
+                break;
+            case '"':
+                out += '"';
+                break;
+            case '\\':
+                out += '\\';
+                break;
             case 'u': {
                 // \u{1F600}
                 const size_t close = s.find('}', i);
@@ -69,7 +81,8 @@ std::string readQuoted(const std::string& s, size_t& i, const Location& where) {
                 i = close;
                 break;
             }
-            default: throw errorAt(where, std::string("unknown escape \\") + s[i] + " in quoted text");
+            default:
+                throw errorAt(where, std::string("unknown escape \\") + s[i] + " in quoted text");
         }
     }
     throw errorAt(where, "quoted text is not closed");
@@ -183,7 +196,8 @@ PinRef Parser::pin(const Line& line, const Token& token) const {
         if (!info)
             fail(line, owner + " has no pin named \"" + name + "\"");
         ref.index = info->index;
-    } else if (std::all_of(rest.begin(), rest.end(), [](char c) { return std::isdigit(static_cast<unsigned char>(c)); })) {
+    } else if (std::all_of(rest.begin(), rest.end(),
+                           [](char c) { return std::isdigit(static_cast<unsigned char>(c)); })) {
         int index = -1;
         std::from_chars(rest.data(), rest.data() + rest.size(), index);
         if (!side.byIndex(index))

@@ -220,7 +220,8 @@ void Session::deliver(const PinRef& pin, const Value& value, const char* why) {
             if (e->deliverToDsp(*this, *inst, pin.index, value))
                 return;
         if (!warnedDsp_)
-            warn("this host does not run DSP halves: values for " + patch_.label(pin) + " and other DSP pins are dropped");
+            warn("this host does not run DSP halves: values for " + patch_.label(pin) +
+                 " and other DSP pins are dropped");
         warnedDsp_ = true;
         return;
     }
@@ -245,8 +246,8 @@ int32_t Session::transmit(Instance& from, Side side, int32_t pinId, int32_t size
     }
     const auto value = Value::decode(info->type, size, data);
     if (!value) {
-        warn(patch_.label(ref) + " transmitted " + std::to_string(size) + " bytes" + (data ? "" : " from a null address") +
-             ", which is no " + datatypeName(info->type) + " value; refused");
+        warn(patch_.label(ref) + " transmitted " + std::to_string(size) + " bytes" +
+             (data ? "" : " from a null address") + ", which is no " + datatypeName(info->type) + " value; refused");
         return gmpi::MP_FAIL;
     }
     if (cutting_ || closing_)

@@ -25,7 +25,7 @@ public:
 
     Session& session;
     const InstanceDecl& decl;
-    const int32_t handle;  // unique within the session, from 1
+    const int32_t handle;                     // unique within the session, from 1
     gmpi::IMpUserInterface2B* gui = nullptr;  // the GUI half (one reference owned), or null
     gmpi::IMpUnknown* dsp = nullptr;          // the DSP half as the factory made it (one reference), or null
 

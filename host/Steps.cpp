@@ -62,8 +62,8 @@ Action compileExpect(Parser& p, const Line& line) {
         return [t, n, where](Session& s) {
             const int sent = s.sentCount(*t.pin);
             if (sent != n)
-                s.fail(where, "expectation failed: " + t.label + " sent " + std::to_string(sent) + " time(s), expected " +
-                                  std::to_string(n));
+                s.fail(where, "expectation failed: " + t.label + " sent " + std::to_string(sent) +
+                                  " time(s), expected " + std::to_string(n));
             else
                 s.trace("ok " + t.label + " sent " + std::to_string(n));
         };

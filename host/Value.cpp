@@ -29,13 +29,18 @@ enum class Kind { Int, Float, Bool, Text, Bytes };
 Kind kindOf(Datatype type) {
     switch (type) {
         case Datatype::Int:
-        case Datatype::Enum: return Kind::Int;
+        case Datatype::Enum:
+            return Kind::Int;
         case Datatype::Float:
-        case Datatype::Audio: return Kind::Float;
-        case Datatype::Bool: return Kind::Bool;
-        case Datatype::Text: return Kind::Text;
+        case Datatype::Audio:
+            return Kind::Float;
+        case Datatype::Bool:
+            return Kind::Bool;
+        case Datatype::Text:
+            return Kind::Text;
         case Datatype::Blob:
-        case Datatype::Midi: return Kind::Bytes;
+        case Datatype::Midi:
+            return Kind::Bytes;
     }
     return Kind::Bytes;
 }
@@ -109,7 +114,8 @@ std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data
                 std::memcpy(text.data(), p, static_cast<size_t>(size));
             return ofText(std::move(text));
         }
-        case Kind::Bytes: return ofBlob(Bytes(p, p + size), type);
+        case Kind::Bytes:
+            return ofBlob(Bytes(p, p + size), type);
     }
     return std::nullopt;
 }
@@ -125,13 +131,17 @@ Bytes Value::bytes() const {
             b.resize(4);
             std::memcpy(b.data(), &float_, 4);
             break;
-        case Kind::Bool: b.push_back(bool_ ? 1 : 0); break;
+        case Kind::Bool:
+            b.push_back(bool_ ? 1 : 0);
+            break;
         case Kind::Text:
             b.resize(text_.size() * sizeof(wchar_t));
             if (!b.empty())
                 std::memcpy(b.data(), text_.data(), b.size());
             break;
-        case Kind::Bytes: b = blob_; break;
+        case Kind::Bytes:
+            b = blob_;
+            break;
     }
     return b;
 }
@@ -140,11 +150,21 @@ std::string quoted(std::string_view s) {
     std::string out = "\"";
     for (char c : s) {
         switch (c) {
-            case '"': out += "\\\""; break;
-            case '\\': out += "\\\\"; break;
-            case '\n': out += "\\n"; break;
-            case '\t': out += "\\t"; break;
-            case '\r': out += "\\r"; break;
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
             default:
                 if (static_cast<unsigned char>(c) < 0x20) {
                     char buf[8];
@@ -160,9 +180,12 @@ std::string quoted(std::string_view s) {
 
 std::string Value::format() const {
     switch (kindOf(type_)) {
-        case Kind::Int: return std::to_string(int_);
-        case Kind::Bool: return bool_ ? "true" : "false";
-        case Kind::Text: return kxhost::quoted(narrow(text_));
+        case Kind::Int:
+            return std::to_string(int_);
+        case Kind::Bool:
+            return bool_ ? "true" : "false";
+        case Kind::Text:
+            return kxhost::quoted(narrow(text_));
         case Kind::Float: {
             if (std::isnan(float_))
                 return "nan";
@@ -196,11 +219,16 @@ bool operator==(const Value& a, const Value& b) {
     if (kind != kindOf(b.type_))
         return false;
     switch (kind) {
-        case Kind::Int: return a.int_ == b.int_;
-        case Kind::Float: return (std::isnan(a.float_) && std::isnan(b.float_)) || a.float_ == b.float_;
-        case Kind::Bool: return a.bool_ == b.bool_;
-        case Kind::Text: return a.text_ == b.text_;
-        case Kind::Bytes: return a.blob_ == b.blob_;
+        case Kind::Int:
+            return a.int_ == b.int_;
+        case Kind::Float:
+            return (std::isnan(a.float_) && std::isnan(b.float_)) || a.float_ == b.float_;
+        case Kind::Bool:
+            return a.bool_ == b.bool_;
+        case Kind::Text:
+            return a.text_ == b.text_;
+        case Kind::Bytes:
+            return a.blob_ == b.blob_;
     }
     return false;
 }
