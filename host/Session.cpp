@@ -1,6 +1,7 @@
 #include "Session.h"
 
 #include <ostream>
+#include <utility>
 
 #include "GuiHost.h"
 
@@ -110,9 +111,13 @@ void Session::start() {
             throw errorAt(inst->decl.where, inst->module().id + ": setHost returned " + std::to_string(rc));
         if (const int32_t init = inst->gui->initialize(); init != gmpi::MP_OK)
             warn(inst->name() + ": initialize returned " + std::to_string(init));
+        inst->guiReady = true;
     }
     for (auto& e : extensions_)
         e->started(*this);
+    // A module that transmitted from initialize reached modules not yet initialised: deliver now.
+    for (const auto& p : std::exchange(pending_, {}))
+        deliver(p.pin, p.value, p.why);
 
     if (patch_.options.defaults) {
         for (auto& inst : instances_) {
@@ -227,6 +232,10 @@ void Session::deliver(const PinRef& pin, const Value& value, const char* why) {
     }
     if (!inst->gui)
         return;
+    if (!inst->guiReady) {
+        pending_.push_back({pin, value, why});
+        return;
+    }
     // The module may change the pin from inside notifyPin; the bytes stay ours until both calls return.
     const Bytes bytes = value.bytes();
     const int32_t size = static_cast<int32_t>(bytes.size());

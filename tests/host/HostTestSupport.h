@@ -10,6 +10,11 @@
 #include "Catalogue.h"
 #include "Session.h"
 
+namespace kxhost {
+// Test failures show values as a patch writes them.
+inline void PrintTo(const Value& v, std::ostream* os) { *os << v.format(); }
+}  // namespace kxhost
+
 namespace kxhosttest {
 
 inline std::filesystem::path testBundle() { return KX_TEST_BUNDLE; }

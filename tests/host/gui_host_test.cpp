@@ -236,3 +236,9 @@ TEST(HostExtensions, SeeEveryInstanceBeforeItsHostAndOfferFaces) {
     EXPECT_EQ(events, (std::vector<std::string>{"created a gui", "created b gui", "started", "finishing"}));
     lastEvents = nullptr;
 }
+
+TEST(GuiHost, ValuesSentFromInitializeWaitUntilTheTargetIsInitialised) {
+    // p transmits its pin count from initialize, before a (created later) has its host.
+    PatchRun r("instance p T_HostProbe\ninstance a T_AddOne\nwire p.Count -> a.In\n");
+    EXPECT_EQ(r.value("a", 1), Value::ofInt(10));
+}

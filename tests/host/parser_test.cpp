@@ -65,6 +65,8 @@ TEST(PatchParser, EveryMistakeNamesFileAndLine) {
     EXPECT_EQ(errorOf(twoAdders + "scenario\nwire a.Out -> b.In"),
               "p.kxp:4: 'wire' belongs before the 'scenario' line");
     EXPECT_EQ(errorOf("option echo maybe"), "p.kxp:1: option echo is on or off, not 'maybe'");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect a.Out 1 within 0.5"),
+              "p.kxp:4: usage: expect TARGET VALUE within TOLERANCE (for float pins)");
     EXPECT_EQ(errorOf("resources no/such/folder").rfind("p.kxp:1: resource folder ", 0), 0u);
 }
 
