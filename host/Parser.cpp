@@ -327,7 +327,8 @@ Patch parsePatchText(const std::string& text, const std::filesystem::path& file,
     Patch patch;
     patch.file = file;
     Parser parser(catalogue, patch);
-    std::istringstream in(text);
+    // A byte-order mark some editors write is not part of the first statement.
+    std::istringstream in(text.rfind("\xEF\xBB\xBF", 0) == 0 ? text.substr(3) : text);
     std::string source;
     int number = 0;
     while (std::getline(in, source)) {

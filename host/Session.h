@@ -92,6 +92,9 @@ public:
     const std::vector<std::unique_ptr<Instance>>& instances() const { return instances_; }
     // Resource folders in search order: the patch's, or else the patch file's own folder.
     std::vector<std::filesystem::path> resourceFolders() const;
+    // Where files a run writes (snapshots) go: kxhost's --output, else the current folder.
+    const std::filesystem::path& outputDir() const { return outputDir_; }
+    void setOutputDir(std::filesystem::path dir) { outputDir_ = std::move(dir); }
     // Where the step or start-up phase being run comes from.
     const Location& current() const { return current_; }
 
@@ -126,6 +129,7 @@ private:
     };
     std::vector<Pending> pending_;  // values sent to GUI halves not yet initialised
     Location current_;
+    std::filesystem::path outputDir_ = ".";
     int depth_ = 0;
     bool cutting_ = false;  // a loop was cut: drop every transmission until the cascade unwinds
     bool closing_ = false;  // modules are being released: nothing they transmit is routed any more

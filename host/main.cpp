@@ -27,11 +27,13 @@ struct Paths {
     }
 };
 
-int run(const Paths& paths, const std::string& patchFile) {
+int run(const Paths& paths, const std::string& patchFile, const std::string& output) {
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
     const Patch patch = parsePatchFile(patchFile, catalogue);
     Bundle bundle(paths.bundlePath());
     Session session(bundle, patch, std::cout, std::cerr);
+    if (!output.empty())
+        session.setOutputDir(output);
     return session.run() ? 0 : 1;
 }
 
@@ -76,13 +78,15 @@ int main(int argc, char** argv) {
     std::string patchFile;
     auto* runCmd = app.add_subcommand("run", "run a patch and its scenario, printing every pin transmission");
     runCmd->add_option("PATCH", patchFile, "the patch file")->required();
+    std::string output;
+    runCmd->add_option("--output", output, "folder for files the run writes (default: the current folder)");
     auto* listCmd =
         app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
     CLI11_PARSE(app, argc, argv);
 
     try {
         if (*runCmd)
-            return run(paths, patchFile);
+            return run(paths, patchFile, output);
         if (*listCmd)
             return list(paths);
     } catch (const HostError& e) {
