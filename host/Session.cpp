@@ -132,15 +132,16 @@ void Session::start() {
             }
         }
     }
+    // The start-up is one phase: its initial values share one count of transmissions.
     for (const auto& step : patch_.setup)
-        runStep(step);
+        runStep(step, false);
 }
 
 bool Session::runScenario() {
     if (!patch_.scenario.empty() && patch_.options.trace != Trace::Off)
         out_ << "-- scenario\n";
     for (const auto& step : patch_.scenario)
-        runStep(step);
+        runStep(step, !step.observes);
     return failures_ == 0;
 }
 
@@ -152,9 +153,9 @@ bool Session::run() {
     return failures_ == 0;
 }
 
-void Session::runStep(const Step& step) {
+void Session::runStep(const Step& step, bool newCount) {
     current_ = step.where;
-    if (!step.observes)
+    if (newCount)
         for (auto& [ref, state] : pins_)
             state.sent = 0;
     // Observing steps speak for themselves (a check mark, a printed line); actions are echoed.

@@ -69,7 +69,7 @@ public:
     // datatype's zero, before that).
     const Value& value(const PinRef& pin) const;
     const Value& paramValue(const ParamDecl& param) const;
-    // Transmissions from the pin since the last step that was not an observing one.
+    // Transmissions from the pin since the last step that was not an observing one (or since the start).
     int sentCount(const PinRef& pin) const;
     // Records a failure; the run ends non-zero.
     void fail(const Location& where, const std::string& what);
@@ -112,7 +112,8 @@ private:
         int sent = 0;
     };
     PinState& state(const PinRef& pin);
-    void runStep(const Step& step);
+    // newCount: the step starts a new count of transmissions (see sentCount).
+    void runStep(const Step& step, bool newCount);
 
     Bundle& bundle_;
     const Patch& patch_;
