@@ -25,9 +25,10 @@ public:
 
     Session& session;
     const InstanceDecl& decl;
-    const int32_t handle;  // unique within the session, from 1
+    const int32_t handle;                     // unique within the session, from 1
     gmpi::IMpUserInterface2B* gui = nullptr;  // the GUI half (one reference owned), or null
     gmpi::IMpUnknown* dsp = nullptr;          // the DSP half as the factory made it (one reference), or null
+    bool guiReady = false;  // setHost and initialize done; values for it wait until then
 
     const std::string& name() const { return decl.name; }
     const ModuleInfo& module() const { return *decl.module; }
@@ -68,7 +69,7 @@ public:
     // datatype's zero, before that).
     const Value& value(const PinRef& pin) const;
     const Value& paramValue(const ParamDecl& param) const;
-    // Transmissions from the pin since the last step that was not an observing one.
+    // Transmissions from the pin since the last step that was not an observing one (or since the start).
     int sentCount(const PinRef& pin) const;
     // Records a failure; the run ends non-zero.
     void fail(const Location& where, const std::string& what);
@@ -91,6 +92,9 @@ public:
     const std::vector<std::unique_ptr<Instance>>& instances() const { return instances_; }
     // Resource folders in search order: the patch's, or else the patch file's own folder.
     std::vector<std::filesystem::path> resourceFolders() const;
+    // Where files a run writes (snapshots) go: kxhost's --output, else the current folder.
+    const std::filesystem::path& outputDir() const { return outputDir_; }
+    void setOutputDir(std::filesystem::path dir) { outputDir_ = std::move(dir); }
     // Where the step or start-up phase being run comes from.
     const Location& current() const { return current_; }
 
@@ -108,7 +112,8 @@ private:
         int sent = 0;
     };
     PinState& state(const PinRef& pin);
-    void runStep(const Step& step);
+    // newCount: the step starts a new count of transmissions (see sentCount).
+    void runStep(const Step& step, bool newCount);
 
     Bundle& bundle_;
     const Patch& patch_;
@@ -118,9 +123,17 @@ private:
     std::vector<std::unique_ptr<Instance>> instances_;
     std::map<PinRef, PinState> pins_;
     std::map<std::string, Value> params_;
+    struct Pending {
+        PinRef pin;
+        Value value;
+        const char* why;
+    };
+    std::vector<Pending> pending_;  // values sent to GUI halves not yet initialised
     Location current_;
+    std::filesystem::path outputDir_ = ".";
     int depth_ = 0;
     bool cutting_ = false;  // a loop was cut: drop every transmission until the cascade unwinds
+    bool closing_ = false;  // modules are being released: nothing they transmit is routed any more
     int failures_ = 0;
     bool warnedDsp_ = false;
 };

@@ -18,18 +18,22 @@ struct Paths {
     std::string bundle;
     std::string descriptions;
 
-    std::filesystem::path bundlePath() const { return bundle.empty() ? defaultBundlePath() : std::filesystem::path(bundle); }
+    std::filesystem::path bundlePath() const {
+        return bundle.empty() ? defaultBundlePath() : std::filesystem::path(bundle);
+    }
     // The descriptions travel with the bundle: by default the folder beside it.
     std::filesystem::path descriptionsPath() const {
         return descriptions.empty() ? bundlePath().parent_path() / "descriptions" : std::filesystem::path(descriptions);
     }
 };
 
-int run(const Paths& paths, const std::string& patchFile) {
+int run(const Paths& paths, const std::string& patchFile, const std::string& output) {
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
     const Patch patch = parsePatchFile(patchFile, catalogue);
     Bundle bundle(paths.bundlePath());
     Session session(bundle, patch, std::cout, std::cerr);
+    if (!output.empty())
+        session.setOutputDir(output);
     return session.run() ? 0 : 1;
 }
 
@@ -69,16 +73,20 @@ int main(int argc, char** argv) {
     app.fallthrough();
     Paths paths;
     app.add_option("--bundle", paths.bundle, "the module bundle to load (default: the one beside kxhost)");
-    app.add_option("--descriptions", paths.descriptions, "folder of module description files (default: descriptions/ beside the bundle)");
+    app.add_option("--descriptions", paths.descriptions,
+                   "folder of module description files (default: descriptions/ beside the bundle)");
     std::string patchFile;
     auto* runCmd = app.add_subcommand("run", "run a patch and its scenario, printing every pin transmission");
     runCmd->add_option("PATCH", patchFile, "the patch file")->required();
-    auto* listCmd = app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
+    std::string output;
+    runCmd->add_option("--output", output, "folder for files the run writes (default: the current folder)");
+    auto* listCmd =
+        app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
     CLI11_PARSE(app, argc, argv);
 
     try {
         if (*runCmd)
-            return run(paths, patchFile);
+            return run(paths, patchFile, output);
         if (*listCmd)
             return list(paths);
     } catch (const HostError& e) {
