@@ -149,7 +149,9 @@ bool setFourByteValue(T& value, int size, const void* data) {
         return false;
     if (size == 4 && std::memcmp(&value, data, 4) == 0)
         return false;
-    std::memcpy(&value, data, size < 4 ? static_cast<size_t>(size) : 4u);
+    // Size 0 may come with a null pointer, which memcpy may not be given even for nothing.
+    if (size > 0)
+        std::memcpy(&value, data, size < 4 ? static_cast<size_t>(size) : 4u);
     return true;
 }
 

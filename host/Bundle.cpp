@@ -59,6 +59,16 @@ int32_t Bundle::create(const std::string& id, Side side, gmpi::IMpUnknown*& obje
     return rc;
 }
 
+int32_t Bundle::createWithHost(const std::string& id, Side side, gmpi::IMpUnknown* host, gmpi::IMpUnknown*& object) {
+    void* out = nullptr;
+    const std::wstring wide = widen(id);
+    const int32_t rc = factory_->createInstance(wide.c_str(), subType(side), host, &out);
+    object = rc == gmpi::MP_OK ? static_cast<gmpi::IMpUnknown*>(out) : nullptr;
+    if (rc != gmpi::MP_OK && out)
+        static_cast<gmpi::IMpUnknown*>(out)->release();
+    return rc;
+}
+
 bool Bundle::creates(const std::string& id, Side side) {
     gmpi::IMpUnknown* object = nullptr;
     if (create(id, side, object) != gmpi::MP_OK || !object)

@@ -21,6 +21,9 @@ public:
     // createInstance2 for an identifier and side: the factory's result code, and the new object (the
     // caller owns one reference) or null.
     int32_t create(const std::string& id, Side side, gmpi::IMpUnknown*& object);
+    // createInstance: the same, with the host handed to the factory (which gives it to modules that take
+    // their host at creation).
+    int32_t createWithHost(const std::string& id, Side side, gmpi::IMpUnknown* host, gmpi::IMpUnknown*& object);
     // Whether the bundle creates this side of the identifier (creates it and releases it again).
     bool creates(const std::string& id, Side side);
 

@@ -109,8 +109,16 @@ SideInfo readSide(const json& j, const std::string& where) {
                 throw HostError(at + " (" + pin.name + "): \"default\" " + p["default"].dump() + " is not a " +
                                 datatypeName(pin.type) + " value");
         }
+        if (p.contains("autoDuplicate")) {
+            if (!p["autoDuplicate"].is_boolean())
+                throw HostError(at + " (" + pin.name + "): \"autoDuplicate\" must be true or false");
+            pin.autoDuplicate = p["autoDuplicate"].get<bool>();
+        }
         side.pins.push_back(std::move(pin));
     }
+    for (size_t i = 0; i + 1 < side.pins.size(); ++i)
+        if (side.pins[i].autoDuplicate)
+            throw HostError(where + " (" + side.pins[i].name + "): only the last pin may be \"autoDuplicate\"");
     return side;
 }
 

@@ -28,6 +28,8 @@ struct PinInfo {
     Datatype type = Datatype::Int;
     bool output = false;
     std::optional<Value> defaultValue;
+    // The host adds copies of this pin (the last one) at the following indexes as the user asks.
+    bool autoDuplicate = false;
 };
 
 struct SideInfo {

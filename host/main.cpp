@@ -9,6 +9,7 @@
 #include "Catalogue.h"
 #include "Error.h"
 #include "Session.h"
+#include "Validate.h"
 
 namespace {
 
@@ -64,6 +65,14 @@ int list(const Paths& paths) {
     return missing ? 1 : 0;
 }
 
+int validateAll(const Paths& paths, const validate::Options& options) {
+    const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
+    Bundle bundle(paths.bundlePath());
+    std::cout << "bundle:       " << bundle.path().string() << "\n"
+              << "descriptions: " << paths.descriptionsPath().string() << "\n\n";
+    return validate::run(bundle, catalogue, options, std::cout, std::cerr);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -82,6 +91,16 @@ int main(int argc, char** argv) {
     runCmd->add_option("--output", output, "folder for files the run writes (default: the current folder)");
     auto* listCmd =
         app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
+    validate::Options validateOptions;
+    auto* validateCmd = app.add_subcommand(
+        "validate", "create every described identifier and side through the bundle, feed it hostile input, release "
+                    "it and check that nothing is left behind");
+    validateCmd->add_option("--seed", validateOptions.seed, "seed of the hostile input (default 1)");
+    validateCmd->add_option("--rounds", validateOptions.rounds, "hostile actions per created half (default 150)")
+        ->check(CLI::NonNegativeNumber);
+    validateCmd->add_option("--module", validateOptions.only, "validate only this identifier (repeatable)");
+    validateCmd->add_option("--log", validateOptions.log, "append every step to this file as it happens");
+    validateCmd->add_flag("--quiet", validateOptions.quiet, "no per-module summary lines");
     CLI11_PARSE(app, argc, argv);
 
     try {
@@ -89,6 +108,8 @@ int main(int argc, char** argv) {
             return run(paths, patchFile, output);
         if (*listCmd)
             return list(paths);
+        if (*validateCmd)
+            return validateAll(paths, validateOptions);
     } catch (const HostError& e) {
         std::cout.flush();
         std::cerr << "kxhost: " << e.what() << "\n";
