@@ -1,33 +1,14 @@
 // Proves that int, float and bool values flow through DSP halves without heap allocation on the audio
-// thread. Global operator new is replaced for this test binary; it only counts while `counting` is set,
-// which happens around process calls here, so every other test is unaffected.
+// thread: allocations are counted only around process calls.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
-#include "logic/DspGuiBridges.h"
+#include "AllocationCounter.h"
 #include "FakeAudioHost.h"
+#include "logic/DspGuiBridges.h"
 #include "logic/HostState.h"
 #include "logic/PatchMemory.h"
 
-namespace {
-bool counting = false;
-long allocations = 0;
-}  // namespace
-
-void* operator new(std::size_t size) {
-    if (counting)
-        ++allocations;
-    if (void* p = std::malloc(size ? size : 1))
-        return p;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) { return ::operator new(size); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+using kxtest::AllocationCounter;
 
 namespace {
 
@@ -38,13 +19,13 @@ long allocationsWhileProcessing(const gmpi::MpEvent* events, float* buffer = nul
     m->setHost(host.unknown());
     if (buffer)
         m->setBuffer(bufferPin, buffer);
-    allocations = 0;
-    counting = true;
+    AllocationCounter::allocations = 0;
+    AllocationCounter::counting = true;
     for (int block = 0; block < 4; ++block)
         m->process(64, events);
-    counting = false;
+    AllocationCounter::counting = false;
     m->release();
-    return allocations;
+    return AllocationCounter::allocations;
 }
 
 }  // namespace
