@@ -11,7 +11,8 @@
 #include "gmpi/IMpPlugin.h"
 
 namespace kx {
-template <class T> class GuardedDsp;
+template <class T>
+class GuardedDsp;
 
 // Holds one counted reference to a host interface and drops it when replaced or destroyed.
 template <class I>
@@ -48,7 +49,8 @@ public:
     // What the factory needs to know to create a class derived from this one.
     static constexpr int32_t sub_type = gmpi::MP_SUB_TYPE_AUDIO;
     using principal_interface = gmpi::IMpPlugin2;
-    template <class T> using Guard = kx::GuardedDsp<T>;
+    template <class T>
+    using Guard = kx::GuardedDsp<T>;
 
     MpPluginBase() = default;
     MpPluginBase(const MpPluginBase&) = delete;
@@ -100,7 +102,9 @@ protected:
     // Binding, from the constructor only. The index-less forms take the next index after the highest
     // bound one, so the order of the calls is the pin order. A pin bound to a taken index is not entered.
     void initializePin(int index, MpPinBase& pin, MpBaseMemberPtr handler = nullptr);
-    void initializePin(MpPinBase& pin, MpBaseMemberPtr handler = nullptr) { initializePin(nextPinIndex(), pin, handler); }
+    void initializePin(MpPinBase& pin, MpBaseMemberPtr handler = nullptr) {
+        initializePin(nextPinIndex(), pin, handler);
+    }
     template <class M, std::enable_if_t<std::is_base_of_v<MpPluginBase, M>, int> = 0>
     void initializePin(MpPinBase& pin, void (M::*handler)(const gmpi::MpEvent*)) {
         initializePin(nextPinIndex(), pin, static_cast<MpBaseMemberPtr>(handler));

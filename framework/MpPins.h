@@ -42,7 +42,8 @@ inline EventBytes eventBytes(const gmpi::MpEvent* e) {
 
 // How each value type is unpacked from host bytes and packed for sending. Unpacking never reads past
 // the bytes given; int, float and bool never allocate.
-template <class T> struct DspValue;
+template <class T>
+struct DspValue;
 
 template <class T>
 struct FourByteValue {
@@ -53,8 +54,10 @@ struct FourByteValue {
     static int32_t size(const T&) { return 4; }
     static const void* data(const T& value) { return &value; }
 };
-template <> struct DspValue<int> : FourByteValue<int> {};
-template <> struct DspValue<float> : FourByteValue<float> {};
+template <>
+struct DspValue<int> : FourByteValue<int> {};
+template <>
+struct DspValue<float> : FourByteValue<float> {};
 
 template <>
 struct DspValue<bool> {
@@ -111,7 +114,9 @@ public:
     virtual MpBaseMemberPtr getDefaultEventHandler() { return nullptr; }
     // At graph start an output tells the host its initial state.
     virtual void sendFirstUpdate() {}
-    virtual void setValueRaw(int size, const void* data) { setValueRaw(static_cast<size_t>(size > 0 ? size : 0), data); }
+    virtual void setValueRaw(int size, const void* data) {
+        setValueRaw(static_cast<size_t>(size > 0 ? size : 0), data);
+    }
     virtual void setValueRaw(size_t, const void*) {}
     virtual int rawSize() const { return 0; }
     virtual const void* rawData() const { return nullptr; }

@@ -128,7 +128,8 @@ int32_t AudioHostObject::sleep() {
 int32_t AudioHostObject::sendMessageToGui(int32_t id, int32_t size, const void* data) {
     if (size < 0 || (size > 0 && !data))
         return gmpi::MP_FAIL;
-    engine_.messages_.push_back({slot_.index, id, std::string(static_cast<const char*>(data), static_cast<size_t>(size))});
+    engine_.messages_.push_back(
+        {slot_.index, id, std::string(static_cast<const char*>(data), static_cast<size_t>(size))});
     return gmpi::MP_OK;
 }
 
@@ -193,13 +194,15 @@ void AudioEngine::queueValue(int slot, int pin, const void* data, int32_t size) 
     if (size < 0 || (size > 0 && !data))
         return;
     Slot& s = *slots_.at(static_cast<size_t>(slot));
-    s.pending.push_back({0, gmpi::EVENT_PIN_SET, pin, std::string(static_cast<const char*>(data), static_cast<size_t>(size)), -1});
+    s.pending.push_back(
+        {0, gmpi::EVENT_PIN_SET, pin, std::string(static_cast<const char*>(data), static_cast<size_t>(size)), -1});
 }
 
 void AudioEngine::queueMessage(int slot, int id, const void* data, int32_t size) {
     if (size < 0 || (size > 0 && !data))
         return;
-    slots_.at(static_cast<size_t>(slot))->messagesIn.push_back({id, std::string(static_cast<const char*>(data), static_cast<size_t>(size))});
+    slots_.at(static_cast<size_t>(slot))
+        ->messagesIn.push_back({id, std::string(static_cast<const char*>(data), static_cast<size_t>(size))});
 }
 
 void AudioEngine::start() {

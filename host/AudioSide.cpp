@@ -77,7 +77,8 @@ public:
                 continue;
             const PinInfo* info = s.patch().pin(wire.from);
             if (info && info->type == Datatype::Audio)
-                engine_->connect(slot(s, wire.from.instance), wire.from.index, slot(s, wire.to.instance), wire.to.index);
+                engine_->connect(slot(s, wire.from.instance), wire.from.index, slot(s, wire.to.instance),
+                                 wire.to.index);
         }
         for (const auto& inst : s.instances())
             if (inst->dsp)
@@ -101,7 +102,8 @@ public:
         return true;
     }
 
-    std::optional<int32_t> messageToAudio(Session&, Instance& inst, int32_t id, int32_t size, const void* data) override {
+    std::optional<int32_t> messageToAudio(Session&, Instance& inst, int32_t id, int32_t size,
+                                          const void* data) override {
         const auto it = slots_.find(&inst);
         if (it == slots_.end())
             return std::nullopt;

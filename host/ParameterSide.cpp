@@ -33,9 +33,8 @@ const std::map<std::string, ParamType> kTypes = {{"int", ParamType::Int},   {"fl
                                                  {"bool", ParamType::Bool}, {"text", ParamType::Text},
                                                  {"blob", ParamType::Blob}, {"list", ParamType::List}};
 const std::map<std::string, ParamRole> kRoles = {
-    {"value", ParamRole::Value},         {"normalized", ParamRole::Normalized},
-    {"name", ParamRole::Name},           {"menu-items", ParamRole::MenuItems},
-    {"menu-selection", ParamRole::MenuSelection}, {"grab", ParamRole::Grab}};
+    {"value", ParamRole::Value},          {"normalized", ParamRole::Normalized},        {"name", ParamRole::Name},
+    {"menu-items", ParamRole::MenuItems}, {"menu-selection", ParamRole::MenuSelection}, {"grab", ParamRole::Grab}};
 
 Datatype valueDatatype(ParamType type) {
     switch (type) {

@@ -11,12 +11,10 @@ bool registerBridge(const wchar_t* id) {
     return gmpi::Register<KX_DspGuiBridge<T>>::withId(id) && gmpi::Register<KX_DspGuiBridgeGUI<T>>::withId(id);
 }
 
-const bool registered = registerBridge<int>(L"KX_IntDspGuiBridge") && registerBridge<float>(L"KX_FloatDspGuiBridge") &&
-                        registerBridge<bool>(L"KX_BoolDspGuiBridge") &&
-                        registerBridge<std::wstring>(L"KX_TextDspGuiBridge") &&
-                        registerBridge<MpBlob>(L"KX_BlobDspGuiBridge") &&
-                        registerBridge<int>(L"KX_IntDspGuiBridge2") && registerBridge<float>(L"KX_FloatDspGuiBridge2") &&
-                        registerBridge<bool>(L"KX_BoolDspGuiBridge2") &&
-                        registerBridge<std::wstring>(L"KX_TextDspGuiBridge2") &&
-                        registerBridge<MpBlob>(L"KX_BlobDspGuiBridge2");
+const bool registered =
+    registerBridge<int>(L"KX_IntDspGuiBridge") && registerBridge<float>(L"KX_FloatDspGuiBridge") &&
+    registerBridge<bool>(L"KX_BoolDspGuiBridge") && registerBridge<std::wstring>(L"KX_TextDspGuiBridge") &&
+    registerBridge<MpBlob>(L"KX_BlobDspGuiBridge") && registerBridge<int>(L"KX_IntDspGuiBridge2") &&
+    registerBridge<float>(L"KX_FloatDspGuiBridge2") && registerBridge<bool>(L"KX_BoolDspGuiBridge2") &&
+    registerBridge<std::wstring>(L"KX_TextDspGuiBridge2") && registerBridge<MpBlob>(L"KX_BlobDspGuiBridge2");
 }  // namespace

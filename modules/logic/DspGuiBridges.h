@@ -13,12 +13,18 @@
 
 namespace kx::bridge {
 
-template <class T> struct Datatype;
-template <> struct Datatype<int> : std::integral_constant<int, MP_DT_INT> {};
-template <> struct Datatype<float> : std::integral_constant<int, MP_DT_FLOAT> {};
-template <> struct Datatype<bool> : std::integral_constant<int, MP_DT_BOOL> {};
-template <> struct Datatype<std::wstring> : std::integral_constant<int, MP_DT_TEXT> {};
-template <> struct Datatype<MpBlob> : std::integral_constant<int, MP_DT_BLOB> {};
+template <class T>
+struct Datatype;
+template <>
+struct Datatype<int> : std::integral_constant<int, MP_DT_INT> {};
+template <>
+struct Datatype<float> : std::integral_constant<int, MP_DT_FLOAT> {};
+template <>
+struct Datatype<bool> : std::integral_constant<int, MP_DT_BOOL> {};
+template <>
+struct Datatype<std::wstring> : std::integral_constant<int, MP_DT_TEXT> {};
+template <>
+struct Datatype<MpBlob> : std::integral_constant<int, MP_DT_BLOB> {};
 
 // The bytes a well-formed message stands for.
 struct Bytes {
@@ -155,10 +161,12 @@ private:
 };
 
 // The GUI pin class that carries each bridge type.
-template <class T> struct BridgeGuiPin {
+template <class T>
+struct BridgeGuiPin {
     using type = MpGuiPin<T>;
 };
-template <> struct BridgeGuiPin<std::wstring> {
+template <>
+struct BridgeGuiPin<std::wstring> {
     using type = StringGuiPin;
 };
 

@@ -36,8 +36,9 @@ void KX_GUISampleRateGUI::onSetDefault() {
 // ---- set to trigger
 
 KX_GUISet2TrigGUI::KX_GUISet2TrigGUI() {
-    for (MpGuiPinBase* pin : std::initializer_list<MpGuiPinBase*>{&pinFloat1, &pinInt1, &pinText1, &pinBool1, &pinBlob1,
-                                                                  &pinFloat2, &pinInt2, &pinText2, &pinBool2, &pinBlob2})
+    for (MpGuiPinBase* pin :
+         std::initializer_list<MpGuiPinBase*>{&pinFloat1, &pinInt1, &pinText1, &pinBool1, &pinBlob1, &pinFloat2,
+                                              &pinInt2, &pinText2, &pinBool2, &pinBlob2})
         initializePin(*pin, &KX_GUISet2TrigGUI::onSetPins);
     initializePin(pinToggle);
 }

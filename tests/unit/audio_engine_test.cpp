@@ -63,9 +63,9 @@ TEST(AudioEngine, SetToTriggerPulseIsCapturedAtTheNextBlockStart) {
 TEST(AudioEngine, ValuesKeepTheirSampleAcrossWiresAndGuiMessagesArriveBetweenBlocks) {
     AudioEngine engine(44100.0f, 16);
     // A bridge's output feeds a patch-memory module processed after it in the same block.
-    const int bridge = addModule(engine, L"KX_IntDspGuiBridge", {{0, DspPinKind::Value, false},
-                                                                 {1, DspPinKind::Value, true},
-                                                                 {2, DspPinKind::Value, false}});
+    const int bridge =
+        addModule(engine, L"KX_IntDspGuiBridge",
+                  {{0, DspPinKind::Value, false}, {1, DspPinKind::Value, true}, {2, DspPinKind::Value, false}});
     const int memory = addModule(engine, L"KX_PM_INT_NAC", valuePins(1, 1));
     engine.connect(bridge, 1, memory, 0);
     queue(engine, bridge, 2, true);

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "logic/DspGuiBridges.h"
 #include "FakeAudioHost.h"
 #include "FakeGuiHost.h"
+#include "logic/DspGuiBridges.h"
 
 using kxtest::Events;
 using kxtest::FakeAudioHost;

@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
+#include "MpFactory.h"
 #include "logic/DspGuiBridges.h"
 #include "logic/HostState.h"
-#include "MpFactory.h"
 #include "logic/PatchMemory.h"
 
 namespace {
@@ -24,12 +24,18 @@ struct Created {
 
 TEST(DspRegistry, TwoSidedIdentifiersCreateBothHalvesAndPairsShareTheirClasses) {
     const std::vector<std::pair<const wchar_t*, const wchar_t*>> pairs = {
-        {L"KX_IntDspGuiBridge", L"KX_IntDspGuiBridge2"},   {L"KX_FloatDspGuiBridge", L"KX_FloatDspGuiBridge2"},
-        {L"KX_BoolDspGuiBridge", L"KX_BoolDspGuiBridge2"}, {L"KX_TextDspGuiBridge", L"KX_TextDspGuiBridge2"},
-        {L"KX_BlobDspGuiBridge", L"KX_BlobDspGuiBridge2"}, {L"KX_PM_INT_NAC", L"KX_PM_INT_NAC_VOL"},
-        {L"KX_PM_FLOAT_NAC", L"KX_PM_FLOAT_NAC_VOL"},     {L"KX_PM_BOOL_NAC", L"KX_PM_BOOL_NAC_VOL"},
-        {L"KX_PM_TEXT_NAC", L"KX_PM_TEXT_NAC_VOL"},       {L"KX_PM_BLOB_NAC", L"KX_PM_BLOB_NAC_VOL"},
-        {L"KX_PM_LIST_NAC", L"KX_PM_LIST_NAC_VOL"},       {L"KX_GUISampleRate", L"KX_GUISampleRate"},
+        {L"KX_IntDspGuiBridge", L"KX_IntDspGuiBridge2"},
+        {L"KX_FloatDspGuiBridge", L"KX_FloatDspGuiBridge2"},
+        {L"KX_BoolDspGuiBridge", L"KX_BoolDspGuiBridge2"},
+        {L"KX_TextDspGuiBridge", L"KX_TextDspGuiBridge2"},
+        {L"KX_BlobDspGuiBridge", L"KX_BlobDspGuiBridge2"},
+        {L"KX_PM_INT_NAC", L"KX_PM_INT_NAC_VOL"},
+        {L"KX_PM_FLOAT_NAC", L"KX_PM_FLOAT_NAC_VOL"},
+        {L"KX_PM_BOOL_NAC", L"KX_PM_BOOL_NAC_VOL"},
+        {L"KX_PM_TEXT_NAC", L"KX_PM_TEXT_NAC_VOL"},
+        {L"KX_PM_BLOB_NAC", L"KX_PM_BLOB_NAC_VOL"},
+        {L"KX_PM_LIST_NAC", L"KX_PM_LIST_NAC_VOL"},
+        {L"KX_GUISampleRate", L"KX_GUISampleRate"},
         {L"KX_GUISet2Trig", L"KX_GUISet2Trig"}};
     MpFactory& f = *Factory();
     for (const auto& [a, b] : pairs) {
