@@ -25,9 +25,10 @@ public:
 
     Session& session;
     const InstanceDecl& decl;
-    const int32_t handle;  // unique within the session, from 1
+    const int32_t handle;                     // unique within the session, from 1
     gmpi::IMpUserInterface2B* gui = nullptr;  // the GUI half (one reference owned), or null
     gmpi::IMpUnknown* dsp = nullptr;          // the DSP half as the factory made it (one reference), or null
+    bool guiReady = false;  // setHost and initialize done; values for it wait until then
 
     const std::string& name() const { return decl.name; }
     const ModuleInfo& module() const { return *decl.module; }
@@ -118,9 +119,16 @@ private:
     std::vector<std::unique_ptr<Instance>> instances_;
     std::map<PinRef, PinState> pins_;
     std::map<std::string, Value> params_;
+    struct Pending {
+        PinRef pin;
+        Value value;
+        const char* why;
+    };
+    std::vector<Pending> pending_;  // values sent to GUI halves not yet initialised
     Location current_;
     int depth_ = 0;
     bool cutting_ = false;  // a loop was cut: drop every transmission until the cascade unwinds
+    bool closing_ = false;  // modules are being released: nothing they transmit is routed any more
     int failures_ = 0;
     bool warnedDsp_ = false;
 };

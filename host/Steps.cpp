@@ -1,5 +1,6 @@
 // The scenario steps every patch may use: set, expect, print. (set also gives initial values before the
 // scenario line.)
+#include <cmath>
 #include <ostream>
 #include <variant>
 
@@ -49,9 +50,9 @@ Action compileSet(Parser& p, const Line& line) {
     };
 }
 
-// expect TARGET VALUE | expect instance.Pin sent N
+// expect TARGET VALUE | expect TARGET VALUE within TOLERANCE (floats) | expect instance.Pin sent N
 Action compileExpect(Parser& p, const Line& line) {
-    p.arity(line, 3, 4, "expect TARGET VALUE | expect instance.Pin sent N");
+    p.arity(line, 3, 5, "expect TARGET VALUE [within TOLERANCE] | expect instance.Pin sent N");
     const Target t = target(p, line, line.tokens[1]);
     const Location where = line.where;
     if (line.tokens[2].raw == "sent") {
@@ -62,16 +63,30 @@ Action compileExpect(Parser& p, const Line& line) {
         return [t, n, where](Session& s) {
             const int sent = s.sentCount(*t.pin);
             if (sent != n)
-                s.fail(where, "expectation failed: " + t.label + " sent " + std::to_string(sent) + " time(s), expected " +
-                                  std::to_string(n));
+                s.fail(where, "expectation failed: " + t.label + " sent " + std::to_string(sent) +
+                                  " time(s), expected " + std::to_string(n));
+            else
+                s.trace("ok " + t.label + " sent " + std::to_string(n));
         };
     }
-    p.arity(line, 3, 3, "expect TARGET VALUE");
     const Value v = p.value(line, line.tokens[2], t.type);
-    return [t, v, where](Session& s) {
+    float tolerance = 0.0f;
+    if (line.tokens.size() > 3) {
+        p.arity(line, 5, 5, "expect TARGET VALUE within TOLERANCE");
+        if (line.tokens[3].raw != "within" || (t.type != Datatype::Float && t.type != Datatype::Audio))
+            p.fail(line, "usage: expect TARGET VALUE within TOLERANCE (for float pins)");
+        tolerance = p.value(line, line.tokens[4], Datatype::Float).asFloat();
+        if (!(tolerance >= 0.0f))
+            p.fail(line, "the tolerance is a float of at least 0");
+    }
+    const std::string expected = v.format() + (tolerance > 0.0f ? " within " + line.tokens[4].raw : "");
+    return [t, v, tolerance, expected, where](Session& s) {
         const Value& now = current(s, t);
-        if (!(now == v))
-            s.fail(where, "expectation failed: " + t.label + " is " + now.format() + ", expected " + v.format());
+        const bool held = tolerance > 0.0f ? std::fabs(now.asFloat() - v.asFloat()) <= tolerance : now == v;
+        if (!held)
+            s.fail(where, "expectation failed: " + t.label + " is " + now.format() + ", expected " + expected);
+        else
+            s.trace("ok " + t.label + " = " + now.format());
     };
 }
 
