@@ -169,7 +169,7 @@ void audioDirective(Parser& p, const Line& line) {
     p.arity(line, 3, 3, "audio SAMPLE_RATE BLOCK_SIZE");
     AudioOptions options;
     const Value rate = p.value(line, line.tokens[1], Datatype::Float);
-    options.sampleRate = std::get<float>(rate.storage());
+    options.sampleRate = rate.asFloat();
     options.blockSize = p.integer(line, line.tokens[2]);
     if (!(options.sampleRate > 0.0f) || options.blockSize < 1 || options.blockSize > 65536)
         p.fail(line, "the sample rate must be positive and the block size between 1 and 65536");
@@ -217,7 +217,7 @@ Action compileExpectAudio(Parser& p, const Line& line) {
         if (a < 0 || b <= a)
             p.fail(line, "'" + at + "' is no sample offset or range");
         const Value v = p.value(line, line.tokens[i + 1], Datatype::Float);
-        checks.push_back({static_cast<size_t>(a), static_cast<size_t>(b), std::get<float>(v.storage())});
+        checks.push_back({static_cast<size_t>(a), static_cast<size_t>(b), v.asFloat()});
     }
     const std::string label = p.patch.label(pin);
     const Location where = line.where;

@@ -105,14 +105,14 @@ void parameterDirective(Parser& p, const Line& line) {
     spec.type = type->second;
     size_t next = 3;
     if (line.tokens.size() > next + 1 && line.tokens[next].raw != "menu") {
-        spec.minimum = std::get<float>(p.value(line, line.tokens[next], Datatype::Float).storage());
-        spec.maximum = std::get<float>(p.value(line, line.tokens[next + 1], Datatype::Float).storage());
+        spec.minimum = p.value(line, line.tokens[next], Datatype::Float).asFloat();
+        spec.maximum = p.value(line, line.tokens[next + 1], Datatype::Float).asFloat();
         next += 2;
     }
     if (line.tokens.size() > next) {
         if (line.tokens[next].raw != "menu" || line.tokens.size() != next + 2)
             p.fail(line, "usage: parameter NAME TYPE [MIN MAX] [menu \"ITEMS\"]");
-        spec.menu = std::get<std::wstring>(p.value(line, line.tokens[next + 1], Datatype::Text).storage());
+        spec.menu = p.value(line, line.tokens[next + 1], Datatype::Text).text();
     }
     specs(p.patch).push_back(std::move(spec));
 }
