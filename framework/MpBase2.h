@@ -98,6 +98,9 @@ public:
     void resetSleepCounter();
     void raiseSleepCount(int atLeast) { sleepCount = sleepCount < atLeast ? atLeast : sleepCount; }
 
+    // The pin bound to index, or null.
+    MpPinBase* getPin(int index) const;
+
 protected:
     // Binding, from the constructor only. The index-less forms take the next index after the highest
     // bound one, so the order of the calls is the pin order. A pin bound to a taken index is not entered.
@@ -110,7 +113,6 @@ protected:
         initializePin(nextPinIndex(), pin, static_cast<MpBaseMemberPtr>(handler));
     }
     int nextPinIndex() const { return pins.empty() ? 0 : pins.rbegin()->first + 1; }
-    MpPinBase* getPin(int index) const;
 
     // Routes one block's events (see MpBase2::process); runSubProcess is called for the stretches
     // between time stamps and moves blockPosition on.
