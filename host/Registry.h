@@ -62,6 +62,9 @@ public:
                                                   const void* /*data*/) {
         return std::nullopt;
     }
+    // A pin transmitted a value the host accepted. True when this extension routed it in place of the
+    // host's echo and parameters; the pin's wires carry it either way.
+    virtual bool transmitted(Session&, Instance&, const PinRef&, const Value&) { return false; }
     // Before the modules are released.
     virtual void finishing(Session&) {}
 };

@@ -273,10 +273,16 @@ int32_t Session::transmit(Instance& from, Side side, int32_t pinId, int32_t size
     PinState& st = state(ref);
     st.value = *value;
     ++st.sent;
-    if (const ParamDecl* param = patch_.paramOf(ref))
-        setParam(*param, *value);  // the writer is one of the bound pins: it gets the value back too
-    else if (patch_.options.echo)
-        deliver(ref, *value, "echo");
+    bool routed = false;
+    for (auto& e : extensions_)
+        if ((routed = e->transmitted(*this, from, ref, *value)))
+            break;
+    if (!routed) {
+        if (const ParamDecl* param = patch_.paramOf(ref))
+            setParam(*param, *value);  // the writer is one of the bound pins: it gets the value back too
+        else if (patch_.options.echo)
+            deliver(ref, *value, "echo");
+    }
     for (const auto& wire : patch_.wires) {
         if (wire.from != ref)
             continue;

@@ -1,0 +1,274 @@
+#include "MpBase2.h"
+
+// ---- pins
+
+void MpPinBase::processEvent(const gmpi::MpEvent* e) {
+    if (eventHandler_ && plugin_)
+        (plugin_->*eventHandler_)(e);
+}
+
+int MpPinBase::blockPosition() const { return plugin_ ? plugin_->getBlockPosition() : 0; }
+
+void MpPinBase::sendPinUpdate(int position) {
+    if (plugin_)
+        plugin_->sendPinValue(id_, position < 0 ? blockPosition() : position, rawSize(), rawData());
+}
+
+void AudioInPin::preProcessEvent(const gmpi::MpEvent* e) {
+    if (e->eventType != gmpi::EVENT_PIN_STREAMING_START && e->eventType != gmpi::EVENT_PIN_STREAMING_STOP)
+        return;
+    isStreaming_ = e->eventType == gmpi::EVENT_PIN_STREAMING_START;
+    eventPending_ = true;
+    if (plugin_) {
+        plugin_->OnPinStreamingChange(isStreaming_);
+        // The last samples of a stopped signal still have to pass through the module.
+        if (!isStreaming_)
+            plugin_->raiseSleepCount(1);
+    }
+}
+
+void AudioOutPin::sendFirstUpdate() {
+    if (plugin_)
+        plugin_->sendPinStreaming(id_, blockPosition(), isStreaming_);
+}
+
+void AudioOutPin::setStreaming(bool isStreaming, int position) {
+    if (!plugin_)
+        return;
+    if (isStreaming != isStreaming_) {
+        isStreaming_ = isStreaming;
+        plugin_->OnPinStreamingChange(isStreaming);
+    }
+    if (!isStreaming)
+        plugin_->resetSleepCounter();
+    plugin_->sendPinStreaming(id_, position < 0 ? blockPosition() : position, isStreaming);
+}
+
+void MidiInPin::processEvent(const gmpi::MpEvent* e) {
+    if (e->eventType != gmpi::EVENT_MIDI || !plugin_)
+        return;
+    if (eventHandler_) {
+        MpPinBase::processEvent(e);
+        return;
+    }
+    const auto bytes = kx::detail::eventBytes(e);
+    plugin_->onMidiMessage(id_, static_cast<const unsigned char*>(bytes.data), static_cast<int>(bytes.size));
+}
+
+void MidiOutPin::send(const unsigned char* data, int size, int position) {
+    if (plugin_)
+        plugin_->sendPinValue(id_, position < 0 ? blockPosition() : position, size, data);
+}
+
+// ---- MpPluginBase
+
+int32_t MpPluginBase::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
+    if (!returnInterface)
+        return gmpi::MP_NOSUPPORT;
+    *returnInterface = nullptr;
+    if (gmpi::isUnknownIid(iid) || iid == gmpi::MP_IID_PLUGIN2)
+        *returnInterface = static_cast<gmpi::IMpPlugin2*>(this);
+    else if (iid == gmpi::MP_IID_PLUGIN)
+        *returnInterface = static_cast<gmpi::IMpPlugin*>(this);
+    else if (iid == gmpi::MP_IID_LEGACY_INITIALIZATION)
+        *returnInterface = static_cast<gmpi::IMpLegacyInitialization*>(this);
+    else
+        return gmpi::MP_NOSUPPORT;
+    addRef();
+    return gmpi::MP_OK;
+}
+
+int32_t MpPluginBase::release() {
+    const auto count = static_cast<int32_t>(--refCount);
+    if (count == 0)
+        delete this;
+    return count;
+}
+
+int32_t MpPluginBase::setBuffer(int32_t pinId, float* buffer) {
+    MpPinBase* pin = getPin(pinId);
+    return pin ? pin->setBuffer(buffer) : gmpi::MP_FAIL;
+}
+
+int32_t MpPluginBase::receiveMessageFromGui(int32_t id, int32_t size, void* data) {
+    return receiveMessageFromGui(id, size, static_cast<const void*>(data));
+}
+
+int32_t MpPluginBase::receiveMessageFromGui(int32_t id, int32_t size, const void* data) {
+    if (inGuiMessage)
+        return gmpi::MP_OK;
+    // Cleared on every way out, a throwing handler included.
+    struct Flag {
+        bool& f;
+        explicit Flag(bool& flag) : f(flag) { f = true; }
+        ~Flag() { f = false; }
+    } flag(inGuiMessage);
+    return onGuiMessage(id, size, data);
+}
+
+int32_t MpPluginBase::setHost(gmpi::IMpUnknown* hostObject) {
+    if (!hostObject)
+        return gmpi::MP_NOSUPPORT;
+    void* found = nullptr;
+    if (hostObject->queryInterface(gmpi::MP_IID_PROCESSOR_HOST, &found) == gmpi::MP_OK)
+        processorHost = static_cast<gmpi::IMpProcessorHost*>(found);
+    found = nullptr;
+    const int32_t result = hostObject->queryInterface(gmpi::MP_IID_HOST, &found);
+    if (result == gmpi::MP_OK && found)
+        host.adopt(static_cast<gmpi::IMpAudioHost*>(found));
+    return result;
+}
+
+void MpPluginBase::onGraphStart() {
+    for (auto& [index, pin] : pins)
+        if (pin->getDirection() == MP_OUT)
+            pin->sendFirstUpdate();
+}
+
+int32_t MpPluginBase::sendPinValue(int pinId, int position, int size, const void* data) {
+    return host ? host->setPin(position, pinId, size, data) : gmpi::MP_FAIL;
+}
+
+int32_t MpPluginBase::sendPinStreaming(int pinId, int position, bool isStreaming) {
+    return host ? host->setPinStreaming(position, pinId, isStreaming ? 1 : 0) : gmpi::MP_FAIL;
+}
+
+void MpPluginBase::resetSleepCounter() {
+    if (host)
+        host->resetSleepCounter(&sleepCount);
+}
+
+void MpPluginBase::initializePin(int index, MpPinBase& pin, MpBaseMemberPtr handler) {
+    if (!handler && pin.getDirection() == MP_IN)
+        handler = pin.getDefaultEventHandler();
+    pin.bind(index, this, handler);
+    pins.emplace(index, &pin);
+}
+
+MpPinBase* MpPluginBase::getPin(int index) const {
+    const auto it = pins.find(index);
+    return it == pins.end() ? nullptr : it->second;
+}
+
+void MpPluginBase::routeEvents(int32_t count, const gmpi::MpEvent* events) {
+    if (count < 0)
+        count = 0;
+    blockPosition = 0;
+    const gmpi::MpEvent* e = events;
+    while (e) {
+        // A time stamp outside the block or behind the current position is handled at the nearest
+        // position that is still ahead, never before samples already processed.
+        const int32_t stamp = std::clamp(e->timeDelta, blockPosition, count);
+        if (stamp > blockPosition) {
+            runSubProcess(stamp - blockPosition);
+            blockPosition = stamp;
+        }
+        const gmpi::MpEvent* end = e;
+        while (end && end->timeDelta == e->timeDelta)
+            end = end->next;
+
+        bool pinsChanged = false;
+        for (auto* ev = e; ev != end; ev = ev->next)
+            if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI)
+                if (MpPinBase* pin = getPin(ev->parm1))
+                    pin->preProcessEvent(ev);
+        for (auto* ev = e; ev != end; ev = ev->next) {
+            if (ev->eventType == gmpi::EVENT_GRAPH_START) {
+                onGraphStart();
+            } else if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI) {
+                if (MpPinBase* pin = getPin(ev->parm1)) {
+                    pin->processEvent(ev);
+                    pinsChanged |= ev->eventType != gmpi::EVENT_MIDI;
+                }
+            }
+        }
+        if (pinsChanged)
+            onSetPins();
+        for (auto* ev = e; ev != end; ev = ev->next)
+            if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI)
+                if (MpPinBase* pin = getPin(ev->parm1))
+                    pin->postProcessEvent(ev);
+        e = end;
+    }
+    if (count > blockPosition)
+        runSubProcess(count - blockPosition);
+    blockPosition = 0;
+}
+
+// ---- MpBase2
+
+MpBase2::MpBase2() : curSubProcess(&MpBase2::subProcessPreSleep), saveSubProcess(&MpBase2::subProcessNothing) {}
+
+void MpBase2::OnPinStreamingChange(bool isStreaming) {
+    streamingPins += isStreaming ? 1 : -1;
+    if (streamingPins < 0)
+        streamingPins = 0;
+    curSubProcess = streamingPins > 0 && sleepRequested != 1 ? saveSubProcess : &MpBase2::subProcessPreSleep;
+}
+
+bool MpBase2::setSleep(bool isOkToSleep) {
+    if (isOkToSleep)
+        curSubProcess = &MpBase2::subProcessPreSleep;
+    sleepRequested = isOkToSleep ? 1 : 0;
+    return isOkToSleep;
+}
+
+void MpBase2::setSubProcessImpl(SubProcess subProcess) {
+    if (curSubProcess == saveSubProcess)
+        curSubProcess = subProcess;
+    saveSubProcess = subProcess;
+}
+
+// The chosen sub-process keeps producing output while the sleep count lasts; once it is used up the
+// host may stop calling the module until its next event.
+void MpBase2::subProcessPreSleep(int sampleFrames) {
+    const int32_t start = blockPosition;
+    int remaining = sampleFrames;
+    while (remaining > 0 && curSubProcess == &MpBase2::subProcessPreSleep) {
+        const int slice = sleepCount > 0 ? std::min(remaining, static_cast<int>(sleepCount)) : remaining;
+        (this->*saveSubProcess)(slice);
+        blockPosition += slice;
+        remaining -= slice;
+        sleepCount = sleepCount > slice ? sleepCount - slice : 0;
+    }
+    // A pin that started streaming meanwhile hands the rest of the stretch back to the chosen sub-process.
+    if (remaining > 0)
+        (this->*curSubProcess)(remaining);
+    blockPosition = start;
+    if (sleepCount == 0 && curSubProcess == &MpBase2::subProcessPreSleep && canSleep && host)
+        host->sleep();
+}
+
+// ---- MpBase
+
+MpBase::MpBase() : curSubProcess(&MpBase::subProcessPreSleep), saveSubProcess(&MpBase::subProcessNothing) {}
+
+void MpBase::OnPinStreamingChange(bool isStreaming) {
+    streamingPins += isStreaming ? 1 : -1;
+    if (streamingPins < 0)
+        streamingPins = 0;
+    curSubProcess = streamingPins > 0 && sleepRequested != 1 ? saveSubProcess : &MpBase::subProcessPreSleep;
+}
+
+bool MpBase::setSleep(bool isOkToSleep) {
+    if (isOkToSleep)
+        curSubProcess = &MpBase::subProcessPreSleep;
+    sleepRequested = isOkToSleep ? 1 : 0;
+    return isOkToSleep;
+}
+
+void MpBase::setSubProcessImpl(SubProcess subProcess) {
+    if (curSubProcess == saveSubProcess)
+        curSubProcess = subProcess;
+    saveSubProcess = subProcess;
+}
+
+void MpBase::subProcessPreSleep(int bufferOffset, int sampleFrames) {
+    (this->*saveSubProcess)(bufferOffset, sampleFrames);
+    sleepCount -= sampleFrames;
+    if (sleepCount <= 0) {
+        sleepCount = 0;
+        if (canSleep && curSubProcess == &MpBase::subProcessPreSleep && host)
+            host->sleep();
+    }
+}

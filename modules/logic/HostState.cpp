@@ -1,0 +1,108 @@
+// KX_GUISampleRate and KX_GUISet2Trig: host state and GUI changes brought across the two graphs. The
+// classes are declared in HostState.h.
+#include "HostState.h"
+
+#include <initializer_list>
+
+#include "MpFactory.h"
+
+// ---- sample rate
+
+int32_t KX_GUISampleRate::open() {
+    if (host && host->getSampleRate(sampleRate) == gmpi::MP_OK)
+        host->sendMessageToGui(0, sizeof sampleRate, &sampleRate);
+    return MpBase2::open();
+}
+
+KX_GUISampleRateGUI::KX_GUISampleRateGUI() {
+    initializePin(pinDefault, &KX_GUISampleRateGUI::onSetDefault);
+    initializePin(pinSampleRate);
+}
+
+int32_t KX_GUISampleRateGUI::receiveMessageFromAudio(int32_t, int32_t size, const void* data) {
+    if (size != static_cast<int32_t>(sizeof(float)) || !data)
+        return gmpi::MP_FAIL;
+    pinTransmit(pinSampleRateIndex, size, data, 0);
+    received = true;
+    return gmpi::MP_OK;
+}
+
+void KX_GUISampleRateGUI::onSetDefault() {
+    // Once the engine has reported, its rate stands.
+    if (!received)
+        pinSampleRate = pinDefault.getValue();
+}
+
+// ---- set to trigger
+
+KX_GUISet2TrigGUI::KX_GUISet2TrigGUI() {
+    for (MpGuiPinBase* pin :
+         std::initializer_list<MpGuiPinBase*>{&pinFloat1, &pinInt1, &pinText1, &pinBool1, &pinBlob1, &pinFloat2,
+                                              &pinInt2, &pinText2, &pinBool2, &pinBlob2})
+        initializePin(*pin, &KX_GUISet2TrigGUI::onSetPins);
+    initializePin(pinToggle);
+}
+
+void KX_GUISet2TrigGUI::onSetPins() {
+    if (notifications < warmUpNotifications) {
+        ++notifications;
+        return;
+    }
+    pinToggle = toggle;
+    toggle = !toggle;
+}
+
+KX_GUISet2Trig::KX_GUISet2Trig() {
+    initializePin(pinTrigger);
+    initializePin(pinIgnoreFirst);
+    initializePin(pinPulseLength);
+    initializePin(pinInvert);
+    initializePin(pinSignal);
+    setSubProcess(&KX_GUISet2Trig::subProcess);
+    setSleep(true);
+}
+
+void KX_GUISet2Trig::onSetPins() {
+    if (pinIgnoreFirst.isUpdated())
+        ignoreFirst = pinIgnoreFirst.getValue();
+    if (pinPulseLength.isUpdated())
+        pulseLength = pinPulseLength.getValue() < 1 ? 1 : pinPulseLength.getValue();
+    if (pinInvert.isUpdated())
+        invert = pinInvert.getValue();
+    if (!pinTrigger.isUpdated())
+        return;
+    // Only a swallowed trigger clears the first-trigger flag, so ignore-first turned on later still
+    // swallows the next trigger.
+    if (ignoreFirst && firstTrigger) {
+        firstTrigger = false;
+        return;
+    }
+    samplesRemaining = pulseLength;  // a retrigger restarts the full length
+    setSleep(false);
+    pinSignal.setStreaming(true);
+}
+
+void KX_GUISet2Trig::subProcess(int sampleFrames) {
+    float* out = pinSignal.getBuffer();
+    const float pulseLevel = invert ? 0.0f : 1.0f;
+    const float idleLevel = invert ? 1.0f : 0.0f;
+    int i = 0;
+    for (; i < sampleFrames && samplesRemaining > 0; ++i, --samplesRemaining)
+        if (out)
+            out[i] = pulseLevel;
+    if (samplesRemaining > 0)
+        return;
+    if (pinSignal.isStreaming())
+        pinSignal.setStreaming(false, blockPosition + i);
+    setSleep(true);
+    if (out)
+        for (; i < sampleFrames; ++i)
+            out[i] = idleLevel;
+}
+
+namespace {
+const bool registered = gmpi::Register<KX_GUISampleRate>::withId(L"KX_GUISampleRate") &&
+                        gmpi::Register<KX_GUISampleRateGUI>::withId(L"KX_GUISampleRate") &&
+                        gmpi::Register<KX_GUISet2Trig>::withId(L"KX_GUISet2Trig") &&
+                        gmpi::Register<KX_GUISet2TrigGUI>::withId(L"KX_GUISet2Trig");
+}  // namespace

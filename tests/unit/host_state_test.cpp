@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "FakeAudioHost.h"
+#include "FakeGuiHost.h"
+#include "logic/HostState.h"
+
+using kxtest::Events;
+using kxtest::FakeAudioHost;
+using kxtest::FakeGuiHost;
+
+namespace {
+
+struct Trigger : ::testing::Test {
+    FakeAudioHost host;
+    kx::GuardedDsp<KX_GUISet2Trig>* m = new kx::GuardedDsp<KX_GUISet2Trig>();
+    std::vector<float> out = std::vector<float>(32, -1.0f);
+    void SetUp() override {
+        m->setHost(host.unknown());
+        m->setBuffer(KX_GUISet2Trig::pinSignalIndex, out.data());
+    }
+    void TearDown() override { m->release(); }
+    // Indexes of the samples at the given level.
+    std::vector<int> at(float level) const {
+        std::vector<int> r;
+        for (int i = 0; i < static_cast<int>(out.size()); ++i)
+            if (out[i] == level)
+                r.push_back(i);
+        return r;
+    }
+};
+
+}  // namespace
+
+TEST_F(Trigger, PulseOfZeroLengthLastsOneSampleAndStreamsOnlyWhileItRuns) {
+    Events ev;
+    ev.set(0, 2, 0).set(4, 0, false);  // any update triggers, false included
+    m->process(32, ev.list());
+    EXPECT_EQ(at(1.0f), std::vector<int>{4});
+    EXPECT_EQ(at(0.0f).size(), 31u) << "idle level everywhere else";
+    ASSERT_EQ(host.streaming.size(), 2u);
+    EXPECT_TRUE(host.streaming[0].on);
+    EXPECT_EQ(host.streaming[0].timestamp, 4);
+    EXPECT_FALSE(host.streaming[1].on);
+    EXPECT_EQ(host.streaming[1].timestamp, 5);
+    EXPECT_GE(host.sleeps, 1);
+}
+
+TEST_F(Trigger, RetriggerRestartsTheFullLength) {
+    Events ev;
+    ev.set(0, 2, 5).set(2, 0, true).set(5, 0, true);
+    m->process(32, ev.list());
+    EXPECT_EQ(at(1.0f), (std::vector<int>{2, 3, 4, 5, 6, 7, 8, 9}));
+}
+
+TEST_F(Trigger, InvertedPulseAndIgnoredFirstTrigger) {
+    Events ev;
+    ev.set(0, 1, true).set(0, 2, 3).set(0, 3, true).set(1, 0, true).set(10, 0, true);
+    m->process(32, ev.list());
+    EXPECT_EQ(at(0.0f), (std::vector<int>{10, 11, 12})) << "the trigger at 1 is swallowed";
+    EXPECT_EQ(at(1.0f).size(), 29u);
+    Events again;
+    again.set(0, 0, true);
+    m->process(32, again.list());
+    EXPECT_EQ(at(0.0f), (std::vector<int>{0, 1, 2})) << "only the first trigger is ever swallowed";
+}
+
+TEST(Set2TrigGUI, FiveWarmUpNotificationsThenTogglesOncePerChange) {
+    FakeGuiHost host;
+    auto* m = new kx::GuardedGui<KX_GUISet2TrigGUI>();
+    m->setHost(host.unknown());
+    for (int i = 0; i < 5; ++i)
+        kxtest::deliver(*m, i % 2 ? 1 : 6, i);
+    EXPECT_TRUE(host.sent.empty());
+    kxtest::deliverText(*m, 2, L"x");
+    kxtest::deliver(*m, 9, 0);  // a blob pin
+    kxtest::deliver(*m, 3, true);
+    ASSERT_EQ(host.sent.size(), 3u);
+    EXPECT_EQ(host.sent[0].pin, 10);
+    EXPECT_TRUE(host.sent[0].asBool());
+    EXPECT_FALSE(host.sent[1].asBool());
+    EXPECT_TRUE(host.sent[2].asBool());
+    m->release();
+}
+
+TEST(GUISampleRate, DefaultUntilTheEngineReportsThenTheEnginesRate) {
+    FakeGuiHost gui;
+    auto* g = new kx::GuardedGui<KX_GUISampleRateGUI>();
+    g->setHost(gui.unknown());
+    kxtest::deliver(*g, 0, 44100.0f);
+    ASSERT_EQ(gui.on(1).size(), 1u);
+    EXPECT_FLOAT_EQ(gui.on(1)[0].asFloat(), 44100.0f);
+
+    FakeAudioHost audio;
+    audio.sampleRate = 48000.0f;
+    auto* d = new kx::GuardedDsp<KX_GUISampleRate>();
+    d->setHost(audio.unknown());
+    EXPECT_EQ(d->open(), gmpi::MP_OK);
+    ASSERT_EQ(audio.messages.size(), 1u);
+    const std::string& message = audio.messages[0].bytes;
+    EXPECT_EQ(g->receiveMessageFromAudio(0, static_cast<int32_t>(message.size()), message.data()), gmpi::MP_OK);
+    EXPECT_FLOAT_EQ(gui.on(1).back().asFloat(), 48000.0f);
+
+    kxtest::deliver(*g, 0, 22050.0f);
+    EXPECT_EQ(gui.on(1).size(), 2u) << "later defaults are ignored";
+    EXPECT_EQ(g->receiveMessageFromAudio(0, 2, message.data()), gmpi::MP_FAIL);
+    d->release();
+    g->release();
+}
