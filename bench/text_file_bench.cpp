@@ -28,7 +28,8 @@ void removeSample() { std::remove(samplePath); }
 const std::filesystem::path& sampleFile() {
     static const std::filesystem::path path = [] {
         auto p = std::filesystem::temp_directory_path() / ("kx_text_bench_" + std::to_string(::getpid()) + ".txt");
-        const std::string line = "The quick brown fox jumps over the lazy dog; caf\xC3\xA9 \xE2\x82\xAC 12.50 \xF0\x9F\x8E\xB5\n";
+        const std::string line =
+            "The quick brown fox jumps over the lazy dog; caf\xC3\xA9 \xE2\x82\xAC 12.50 \xF0\x9F\x8E\xB5\n";
         std::string text;
         text.reserve(kFileBytes + line.size());
         while (text.size() < kFileBytes)

@@ -324,11 +324,12 @@ int run(Bundle& bundle, const Catalogue& catalogue, const Options& options, std:
                 out << (r.failures.empty() ? "  ok    " : "  FAIL  ") << std::left << std::setw(26) << id
                     << std::setw(5) << sideName(side) << "calls " << std::setw(7) << r.tally.calls << "refused "
                     << std::setw(6) << r.tally.refused << "sent " << std::setw(6) << r.tally.transmissions
-                    << "refused sends " << std::setw(5) << r.tally.malformedSent << "echo cuts "
-                    << r.tally.feedbackCuts << std::endl;
+                    << "refused sends " << std::setw(5) << r.tally.malformedSent << "echo cuts " << r.tally.feedbackCuts
+                    << std::endl;
         }
     }
-    const auto failed = std::count_if(results.begin(), results.end(), [](const auto& r) { return !r.failures.empty(); });
+    const auto failed =
+        std::count_if(results.begin(), results.end(), [](const auto& r) { return !r.failures.empty(); });
     out << "\nvalidated " << results.size() << " half(s), " << options.rounds << " rounds per creation path, seed "
         << options.seed << ": " << (failed ? std::to_string(failed) + " failed" : "all passed") << std::endl;
     if (failed) {

@@ -28,10 +28,10 @@ namespace kxhost::validate {
 
 struct Options {
     uint64_t seed = 1;
-    int rounds = 150;                  // hostile actions per created half
-    std::vector<std::string> only;     // identifiers to validate; empty: all described
-    std::filesystem::path log;         // every step appended here, flushed, when not empty
-    bool quiet = false;                // no per-module summary lines
+    int rounds = 150;               // hostile actions per created half
+    std::vector<std::string> only;  // identifiers to validate; empty: all described
+    std::filesystem::path log;      // every step appended here, flushed, when not empty
+    bool quiet = false;             // no per-module summary lines
 };
 
 // Runs the validation; prints the per-module summary to out and failures to err. Returns 0 when every
@@ -56,7 +56,7 @@ public:
     const Side side;
     // The description's pins, and for a last pin the host duplicates, three copies after it.
     const SideInfo pins;
-    const char* const via;  // "createInstance" or "createInstance2"
+    const char* const via;               // "createInstance" or "createInstance2"
     gmpi::IMpUnknown* object = nullptr;  // the created object (one reference, ours)
     HostRefs& refs;
     Inputs& inputs;

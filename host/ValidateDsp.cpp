@@ -199,10 +199,9 @@ public:
             if (pinCount > 0 && kind < 85) {
                 const PinInfo& pin = s.pins.pins[static_cast<size_t>(s.pick(pinCount))];
                 if (pin.type == Datatype::Audio) {
-                    events.push_back(pinEvent(pin.index,
-                                              s.chance(50) ? gmpi::EVENT_PIN_STREAMING_START
-                                                           : gmpi::EVENT_PIN_STREAMING_STOP,
-                                              0, nullptr, pinLabel(pin) + " streaming change"));
+                    events.push_back(pinEvent(
+                        pin.index, s.chance(50) ? gmpi::EVENT_PIN_STREAMING_START : gmpi::EVENT_PIN_STREAMING_STOP, 0,
+                        nullptr, pinLabel(pin) + " streaming change"));
                     continue;
                 }
                 const Input in = kind < 60 ? s.inputs.value(pin.type, s.rng) : s.inputs.wrongSize(pin.type, s.rng);
@@ -219,8 +218,9 @@ public:
         // Time-ordered within the block, as the host promises.
         for (auto& e : events)
             e.event.timeDelta = s.pick(count);
-        std::stable_sort(events.begin(), events.end(),
-                         [](const OwnedEvent& a, const OwnedEvent& b) { return a.event.timeDelta < b.event.timeDelta; });
+        std::stable_sort(events.begin(), events.end(), [](const OwnedEvent& a, const OwnedEvent& b) {
+            return a.event.timeDelta < b.event.timeDelta;
+        });
         process(s, count, events);
     }
 
@@ -257,7 +257,8 @@ private:
             auto& e = events[i].event;
             e.extraData = events[i].extra.empty() ? nullptr : events[i].extra.data();
             e.next = i + 1 < events.size() ? &events[i + 1].event : nullptr;
-            what += (i ? "; " : ", events: ") + std::string("at ") + std::to_string(e.timeDelta) + " " + events[i].label;
+            what +=
+                (i ? "; " : ", events: ") + std::string("at ") + std::to_string(e.timeDelta) + " " + events[i].label;
         }
         const gmpi::MpEvent* first = events.empty() ? nullptr : &events.front().event;
         s.call(what, [&] {

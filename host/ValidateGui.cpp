@@ -26,7 +26,8 @@ std::string brief(const Value& v, int32_t size) {
 class GuiDriver final : public SideDriver {
 public:
     void makeHost(Subject& s) override {
-        host_ = std::make_unique<ValidationGuiHost>(s.refs, s.faces, s.folder, static_cast<int32_t>(s.pins.pins.size()));
+        host_ =
+            std::make_unique<ValidationGuiHost>(s.refs, s.faces, s.folder, static_cast<int32_t>(s.pins.pins.size()));
         host_->onTransmit = [this, &s](int32_t pin, int32_t size, const void* data, int32_t voice) {
             return transmitted(s, pin, size, data, voice);
         };
@@ -80,7 +81,8 @@ public:
             const PinInfo& pin = s.pins.pins[static_cast<size_t>(s.pick(pinCount))];
             if (s.chance(50)) {
                 const Input in = s.inputs.value(pin.type, s.rng);
-                deliver(s, pin.index, 0, in.size(), in.data(), pinLabel(pin) + " " + in.label + ", not notified", false);
+                deliver(s, pin.index, 0, in.size(), in.data(), pinLabel(pin) + " " + in.label + ", not notified",
+                        false);
             } else {
                 s.call("notifyPin " + pinLabel(pin) + " alone", [&] { return gui_->notifyPin(pin.index, 0); });
             }

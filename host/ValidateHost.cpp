@@ -135,7 +135,8 @@ int32_t ValidationGuiHost::openResource(const char* fullPath, gmpi::IMpUnknown**
     return gmpi::MP_OK;
 }
 
-int32_t ValidationGuiHost::resolveFilename(const wchar_t* shortFilename, int32_t maxChars, wchar_t* returnFullFilename) {
+int32_t ValidationGuiHost::resolveFilename(const wchar_t* shortFilename, int32_t maxChars,
+                                           wchar_t* returnFullFilename) {
     if (maxChars < 1 || !returnFullFilename)
         return gmpi::MP_FAIL;
     const std::string name = shortFilename ? narrow(shortFilename) : std::string();

@@ -37,17 +37,48 @@ std::string describe(float f) {
 // Text that nearly means something to some module: numbers, note names, colours, file names, enum
 // lists. Never a path leaving the working folder ("..", a leading "/"), since some modules write files.
 const std::vector<std::wstring> plausible = {
-    L"",         L"0",        L"12",          L"-3.5",      L"1e40",         L"-1e-40",       L"nan",
-    L"inf",      L"-inf",     L"0x1F",        L" 7 ",       L"+",            L"-",            L".",
-    L"99999999999999999999",  L"C4",          L"A#-1",      L"G9",           L"c#5",          L"Bb3",
-    L"a.txt",    L"sub/b.txt", L"file name.txt", L"*.txt",  L"x.",           L"FF00FF00",     L"#fff",
-    L"zz",       L"a,b,c",    L"range 0,10",  L"range -5",  L"x=3,y=-1",     L"=",            L",,,",
-    L"\u00e9t\u00e9", L"\U0001F600", L"\t\n\r",
+    L"",
+    L"0",
+    L"12",
+    L"-3.5",
+    L"1e40",
+    L"-1e-40",
+    L"nan",
+    L"inf",
+    L"-inf",
+    L"0x1F",
+    L" 7 ",
+    L"+",
+    L"-",
+    L".",
+    L"99999999999999999999",
+    L"C4",
+    L"A#-1",
+    L"G9",
+    L"c#5",
+    L"Bb3",
+    L"a.txt",
+    L"sub/b.txt",
+    L"file name.txt",
+    L"*.txt",
+    L"x.",
+    L"FF00FF00",
+    L"#fff",
+    L"zz",
+    L"a,b,c",
+    L"range 0,10",
+    L"range -5",
+    L"x=3,y=-1",
+    L"=",
+    L",,,",
+    L"\u00e9t\u00e9",
+    L"\U0001F600",
+    L"\t\n\r",
 };
 
 std::wstring randomText(std::mt19937_64& rng, size_t length) {
-    static const std::vector<uint32_t> odd = {0,        0xD800,   0xDBFF,    0xDC00, 0xDFFF,   0xFFFE,
-                                              0xFFFF,   0x110000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0x10FFFF};
+    static const std::vector<uint32_t> odd = {0,      0xD800,   0xDBFF,     0xDC00,     0xDFFF,     0xFFFE,
+                                              0xFFFF, 0x110000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0x10FFFF};
     std::wstring text;
     for (size_t i = 0; i < length; ++i) {
         switch (below(5, rng)) {
@@ -102,20 +133,38 @@ Input Inputs::value(Datatype type, std::mt19937_64& rng) const {
     switch (type) {
         case Datatype::Int:
         case Datatype::Enum: {
-            static const std::vector<int32_t> ints = {0,  1,  -1, 2,  7,  100, std::numeric_limits<int32_t>::min(),
+            static const std::vector<int32_t> ints = {0,
+                                                      1,
+                                                      -1,
+                                                      2,
+                                                      7,
+                                                      100,
+                                                      std::numeric_limits<int32_t>::min(),
                                                       std::numeric_limits<int32_t>::max(),
-                                                      std::numeric_limits<int32_t>::min() + 1, 255, 256, 65536};
+                                                      std::numeric_limits<int32_t>::min() + 1,
+                                                      255,
+                                                      256,
+                                                      65536};
             int32_t v;
             switch (below(3, rng)) {
-                case 0: v = any(ints, rng); break;
-                case 1: v = static_cast<int32_t>(rng()); break;
-                default: v = below(26, rng) - 5;
+                case 0:
+                    v = any(ints, rng);
+                    break;
+                case 1:
+                    v = static_cast<int32_t>(rng());
+                    break;
+                default:
+                    v = below(26, rng) - 5;
             }
             return raw(v, std::string(datatypeName(type)) + " " + std::to_string(v));
         }
         case Datatype::Float:
         case Datatype::Audio: {
-            static const std::vector<float> floats = {0.0f, -0.0f, 1.0f, -1.0f, 0.5f,
+            static const std::vector<float> floats = {0.0f,
+                                                      -0.0f,
+                                                      1.0f,
+                                                      -1.0f,
+                                                      0.5f,
                                                       std::numeric_limits<float>::quiet_NaN(),
                                                       -std::numeric_limits<float>::quiet_NaN(),
                                                       std::numeric_limits<float>::infinity(),
@@ -123,13 +172,20 @@ Input Inputs::value(Datatype type, std::mt19937_64& rng) const {
                                                       std::numeric_limits<float>::max(),
                                                       -std::numeric_limits<float>::max(),
                                                       std::numeric_limits<float>::min(),
-                                                      std::numeric_limits<float>::denorm_min(), 1e30f, -1e30f,
-                                                      2147483648.0f, -2147483904.0f};
+                                                      std::numeric_limits<float>::denorm_min(),
+                                                      1e30f,
+                                                      -1e30f,
+                                                      2147483648.0f,
+                                                      -2147483904.0f};
             float v;
             switch (below(4, rng)) {
                 case 0:
-                case 1: v = any(floats, rng); break;
-                case 2: v = static_cast<float>(below(2000001, rng) - 1000000) / 100.0f; break;
+                case 1:
+                    v = any(floats, rng);
+                    break;
+                case 2:
+                    v = static_cast<float>(below(2000001, rng) - 1000000) / 100.0f;
+                    break;
                 default: {
                     const auto bits = static_cast<uint32_t>(rng());
                     std::memcpy(&v, &bits, 4);
@@ -195,12 +251,20 @@ Input Inputs::wrongSize(Datatype type, std::mt19937_64& rng) const {
         case Datatype::Int:
         case Datatype::Enum:
         case Datatype::Float:
-        case Datatype::Audio: sizes = {0, 1, 2, 3, 5, 8, bigSize}; break;
-        case Datatype::Bool: sizes = {0, 2, 3, 5, 8, bigSize}; break;
+        case Datatype::Audio:
+            sizes = {0, 1, 2, 3, 5, 8, bigSize};
+            break;
+        case Datatype::Bool:
+            sizes = {0, 2, 3, 5, 8, bigSize};
+            break;
         // Any multiple of 4 is valid text; 1 MiB of random units is the long, invalid kind.
-        case Datatype::Text: sizes = {1, 2, 3, 5, 6, 7, bigSize}; break;
+        case Datatype::Text:
+            sizes = {1, 2, 3, 5, 6, 7, bigSize};
+            break;
         case Datatype::Blob:
-        case Datatype::Midi: sizes = {0, 1, 3, 5, bigSize}; break;
+        case Datatype::Midi:
+            sizes = {0, 1, 3, 5, bigSize};
+            break;
     }
     const int32_t size = any(sizes, rng);
     Input in;
@@ -241,8 +305,8 @@ Input Inputs::message(std::mt19937_64& rng) const {
 int32_t Inputs::unknownPin(int pinCount, bool openEnded, std::mt19937_64& rng) {
     if (openEnded)
         return below(2, rng) ? -1 : std::numeric_limits<int32_t>::min();
-    const std::vector<int32_t> pins = {-1, pinCount, pinCount + 1, 1000, std::numeric_limits<int32_t>::max(),
-                                       std::numeric_limits<int32_t>::min()};
+    const std::vector<int32_t> pins = {
+        -1, pinCount, pinCount + 1, 1000, std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min()};
     return any(pins, rng);
 }
 
@@ -252,8 +316,8 @@ int32_t Inputs::voice(std::mt19937_64& rng) {
 }
 
 float Inputs::coordinate(std::mt19937_64& rng) {
-    static const std::vector<float> odd = {-1.0f, -1e9f, 1e9f, std::numeric_limits<float>::quiet_NaN(),
-                                           std::numeric_limits<float>::infinity(), 0.5f};
+    static const std::vector<float> odd = {
+        -1.0f, -1e9f, 1e9f, std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), 0.5f};
     return below(6, rng) == 0 ? any(odd, rng) : static_cast<float>(below(200, rng));
 }
 

@@ -12,10 +12,10 @@
 namespace kxhost::validate {
 
 struct Input {
-    std::vector<uint8_t> bytes;        // owned data, unless shared is set
-    const uint8_t* shared = nullptr;   // the shared 1 MiB buffer instead
-    bool null = false;                 // a null data pointer (with size 0)
-    std::string label;           // "int -2147483648", "text 5 bytes", "1 MiB", ...
+    std::vector<uint8_t> bytes;       // owned data, unless shared is set
+    const uint8_t* shared = nullptr;  // the shared 1 MiB buffer instead
+    bool null = false;                // a null data pointer (with size 0)
+    std::string label;                // "int -2147483648", "text 5 bytes", "1 MiB", ...
 
     int32_t size() const;
     const void* data() const;

@@ -42,7 +42,8 @@ class V_LeavesTimer : public SeGuiInvisibleBase {
 public:
     V_LeavesTimer() { initializePin(in_); }
     int32_t initialize() override {
-        g_timeout_add(60000, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+        g_timeout_add(
+            60000, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
         return gmpi::MP_OK;
     }
 
