@@ -284,9 +284,7 @@ Input Inputs::wrongSize(Datatype type, std::mt19937_64& rng) const {
 }
 
 Input Inputs::message(std::mt19937_64& rng) const {
-    // No 16-byte bodies: that is the blob bridges' record of an address in the sending half's memory,
-    // which only the module's own other half can form; random ones are wild pointers by construction.
-    static const std::vector<int32_t> sizes = {0, 1, 3, 4, 5, 8, 12, 64, bigSize};
+    static const std::vector<int32_t> sizes = {0, 1, 3, 4, 5, 8, 12, 16, 64, bigSize};
     const int32_t size = any(sizes, rng);
     Input in;
     if (size == bigSize) {

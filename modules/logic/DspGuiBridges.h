@@ -32,14 +32,6 @@ struct Bytes {
     const void* data;
 };
 
-// A blob travels as a record of the sender's blob: its size (count in the low 32 bits) and the address
-// of its bytes. The receiver copies the bytes before it returns and never keeps the address.
-struct BlobRecord {
-    uint64_t size;
-    uint64_t address;
-};
-static_assert(sizeof(BlobRecord) == 16);
-
 // Message payloads by value type: how a value is sent, and which messages are well formed (anything
 // else is ignored by the receiver).
 template <class T>
@@ -87,33 +79,17 @@ struct Channel<std::wstring> {
 
 template <>
 struct Channel<MpBlob> {
-    // The record points into a copy this sender keeps: a receiver that takes the message after the
-    // sender's pin has changed again (messages are delivered later, on the other side) still finds the
-    // bytes that were sent. The last few copies are kept.
+    // The blob's bytes themselves: the host copies a message before its send returns, so the receiver
+    // never depends on the sender's memory, and no message can make it read anywhere else.
     template <class Send>
     int32_t send(const MpBlob& value, Send&& sendMessage) {
-        MpBlob& kept = sent_[next_];
-        next_ = (next_ + 1) % sent_.size();
-        kept = value;
-        const BlobRecord record{static_cast<uint64_t>(static_cast<uint32_t>(kept.getSize())),
-                                static_cast<uint64_t>(reinterpret_cast<uintptr_t>(kept.getData()))};
-        return sendMessage(static_cast<int32_t>(sizeof record), &record);
+        return sendMessage(value.getSize(), value.getData());
     }
     static std::optional<Bytes> view(int32_t size, const void* data) {
-        if (size != static_cast<int32_t>(sizeof(BlobRecord)) || !data)
+        if (size < 0 || (size > 0 && !data))
             return std::nullopt;
-        BlobRecord record;
-        std::memcpy(&record, data, sizeof record);
-        const auto count = static_cast<int32_t>(static_cast<uint32_t>(record.size));
-        const auto* bytes = reinterpret_cast<const void*>(static_cast<uintptr_t>(record.address));
-        if (count < 0 || (count > 0 && !bytes))
-            return std::nullopt;
-        return Bytes{count, bytes};
+        return Bytes{size, data};
     }
-
-private:
-    std::array<MpBlob, 8> sent_;
-    size_t next_ = 0;
 };
 
 }  // namespace kx::bridge

@@ -123,7 +123,7 @@ TEST(DspGuiBridge, TextCrossesBothWays) {
     EXPECT_EQ(g.host.sent.back().asText(), L"a longer text");
 }
 
-TEST(DspGuiBridge, BlobRecordsStayReadableAfterTheSenderMovesOn) {
+TEST(DspGuiBridge, BlobsCrossAsTheirOwnBytesAndMalformedOnesAreRefused) {
     GuiSide<MpBlob> g;
     DspSide<MpBlob> d;
     const MpBlob first(3, "abc");
@@ -132,10 +132,8 @@ TEST(DspGuiBridge, BlobRecordsStayReadableAfterTheSenderMovesOn) {
     g.m->setPin(0, 0, 5, "vwxyz");  // the GUI value changes before the audio side takes the first message
     g.m->notifyPin(0, 0);
     ASSERT_EQ(g.host.messages.size(), 2u);
-    for (const auto& m : g.host.messages) {
-        ASSERT_EQ(m.bytes.size(), 16u);
-        d.m->receiveMessageFromGui(0, 16, static_cast<const void*>(m.bytes.data()));
-    }
+    for (const auto& m : g.host.messages)
+        d.m->receiveMessageFromGui(0, static_cast<int32_t>(m.bytes.size()), static_cast<const void*>(m.bytes.data()));
     ASSERT_EQ(d.host.on(1).size(), 2u);
     EXPECT_EQ(d.host.on(1)[0].bytes, "abc");
     EXPECT_EQ(d.host.on(1)[1].bytes, "vwxyz");
@@ -144,10 +142,10 @@ TEST(DspGuiBridge, BlobRecordsStayReadableAfterTheSenderMovesOn) {
     ev.set(1, 2, true).bytes(1, 0, std::string("0123456789"));
     d.m->process(8, ev.list());
     ASSERT_EQ(d.host.messages.size(), 1u);
-    g.m->receiveMessageFromAudio(0, 16, d.host.messages[0].bytes.data());
+    const auto& back = d.host.messages[0].bytes;
+    g.m->receiveMessageFromAudio(0, static_cast<int32_t>(back.size()), back.data());
     EXPECT_EQ(std::string(g.host.sent.back().bytes.begin(), g.host.sent.back().bytes.end()), "0123456789");
 
-    EXPECT_EQ(g.m->receiveMessageFromAudio(0, 8, d.host.messages[0].bytes.data()), gmpi::MP_FAIL);
-    const kx::bridge::BlobRecord dangling{4, 0};
-    EXPECT_EQ(d.m->receiveMessageFromGui(0, 16, static_cast<const void*>(&dangling)), gmpi::MP_FAIL);
+    EXPECT_EQ(g.m->receiveMessageFromAudio(0, -1, back.data()), gmpi::MP_FAIL);
+    EXPECT_EQ(d.m->receiveMessageFromGui(0, 16, static_cast<const void*>(nullptr)), gmpi::MP_FAIL);
 }
