@@ -6,6 +6,7 @@
 //   module.setHost(gfx.unknown());        // answers both the GUI host and the graphics host
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -282,6 +283,53 @@ public:
     void Clear(const MP1_COLOR*) override {}
     void BeginDraw() override {}
     int32_t EndDraw() override { return gmpi::MP_OK; }
+};
+
+class FakeStream final : public Counted<gmpi::IMpResourceStream> {
+public:
+    explicit FakeStream(std::string bytes) : bytes_(std::move(bytes)) {}
+    int32_t getSize(int64_t& size) override { return size = int64_t(bytes_.size()), gmpi::MP_OK; }
+    int32_t read(void* buffer, int32_t size) override {
+        const size_t n = std::min(bytes_.size() - pos_, size_t(size < 0 ? 0 : size));
+        std::memcpy(buffer, bytes_.data() + pos_, n);
+        pos_ += n;
+        return int32_t(n);
+    }
+    bool answers(const gmpi::MpGuid& iid) const override { return iid == gmpi::MP_IID_RESOURCE_STREAM; }
+
+private:
+    std::string bytes_;
+    size_t pos_ = 0;
+};
+
+// A GUI host whose resources are files in a map: a relative name resolves to folder + name, an absolute
+// one to itself; openResource serves the map's bytes.
+class FakeSkinHost : public FakeGuiHost {
+public:
+    explicit FakeSkinHost(std::string skinFolder = "/skin/") : folder(std::move(skinFolder)) {}
+    std::string folder;
+    std::map<std::string, std::string> files;
+    std::vector<std::string> resolved;  // "name|type" of every resolve, in order
+    int opens = 0;
+
+    int32_t resolveResource(const char* name, const char* type, gmpi::IMpUnknown* returnString) override {
+        resolved.push_back(std::string(name) + "|" + type);
+        void* s = nullptr;
+        if (!returnString || returnString->queryInterface(gmpi::MP_IID_RETURNSTRING, &s) != gmpi::MP_OK)
+            return gmpi::MP_FAIL;
+        const std::string path = name[0] == '/' ? std::string(name) : folder + name;
+        static_cast<gmpi::IString*>(s)->setData(path.data(), int32_t(path.size()));
+        return files.count(path) ? gmpi::MP_OK : gmpi::MP_FAIL;
+    }
+    int32_t openResource(const char* path, gmpi::IMpUnknown** stream) override {
+        ++opens;
+        *stream = nullptr;
+        auto it = files.find(path);
+        if (it == files.end())
+            return gmpi::MP_FAIL;
+        *stream = new FakeStream(it->second);
+        return gmpi::MP_OK;
+    }
 };
 
 // A graphics host that also answers the GUI host interfaces of a FakeGuiHost.
