@@ -1,0 +1,16 @@
+# Collects module description files into one folder: cmake -DPATTERN=<glob> -DDEST=<folder> -P this.
+# The folder is rebuilt from scratch so that a deleted description does not linger.
+cmake_minimum_required(VERSION 3.25)
+file(GLOB sources ${PATTERN})
+file(REMOVE_RECURSE ${DEST})
+file(MAKE_DIRECTORY ${DEST})
+set(seen "")
+foreach(source IN LISTS sources)
+  get_filename_component(name ${source} NAME)
+  if(name IN_LIST seen)
+    message(FATAL_ERROR "two module description files are named ${name}; names must be unique: ${source}")
+  endif()
+  list(APPEND seen ${name})
+  file(COPY ${source} DESTINATION ${DEST})
+endforeach()
+file(TOUCH ${DEST}/.stamp)

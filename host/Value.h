@@ -1,0 +1,58 @@
+// Pin values as the host sees them: a datatype and the value, turned into and out of the bytes that
+// cross the module boundary (int and float: 4 bytes, bool: 1 byte, text: 32-bit code points without a
+// terminator, blob: raw bytes).
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace kxhost {
+
+enum class Datatype { Text, Bool, Float, Int, Blob, Enum, Audio, Midi };
+
+// The description's spelling ("text", "bool", ...), and back; nullopt for an unknown name.
+const char* datatypeName(Datatype type);
+std::optional<Datatype> datatypeFromName(std::string_view name);
+
+using Bytes = std::vector<uint8_t>;
+
+class Value {
+public:
+    using Storage = std::variant<int32_t, float, bool, std::wstring, Bytes>;
+
+    // The zero of a datatype: 0, 0.0, false, empty text, empty blob.
+    explicit Value(Datatype type = Datatype::Int);
+    Value(Datatype type, Storage storage) : type_(type), storage_(std::move(storage)) {}
+
+    static Value ofInt(int32_t v) { return {Datatype::Int, v}; }
+    static Value ofFloat(float v) { return {Datatype::Float, v}; }
+    static Value ofBool(bool v) { return {Datatype::Bool, v}; }
+    static Value ofText(std::wstring v) { return {Datatype::Text, std::move(v)}; }
+    static Value ofBlob(Bytes v) { return {Datatype::Blob, std::move(v)}; }
+
+    // Reads what a module sent. A size the datatype cannot hold (an int of 3 bytes, text of 6 bytes, a
+    // negative size, null data with a size) gives nullopt: such a transmission is refused, not guessed at.
+    static std::optional<Value> decode(Datatype type, int32_t size, const void* data);
+
+    Datatype type() const { return type_; }
+    const Storage& storage() const { return storage_; }
+    Bytes bytes() const;
+    // The value as a patch file would write it: 5, 1.5, true, "text", [00 ff].
+    std::string format() const;
+
+    // Floats compare as numbers, except that NaN equals NaN: a patch can expect a NaN.
+    friend bool operator==(const Value& a, const Value& b);
+
+private:
+    Datatype type_;
+    Storage storage_;
+};
+
+// Quotes text for a patch file or a trace: "a \"b\"\n".
+std::string quoted(std::string_view utf8);
+
+}  // namespace kxhost

@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include "HostTestSupport.h"
+#include "Parser.h"
+#include "Registry.h"
+
+using namespace kxhost;
+using kxhosttest::testCatalogue;
+
+namespace {
+
+Patch parse(const std::string& text) { return parsePatchText(text, "p.kxp", testCatalogue()); }
+
+// The message of the error parsing text raises, or "" when it parses.
+std::string errorOf(const std::string& text) {
+    try {
+        parse(text);
+    } catch (const HostError& e) {
+        return e.what();
+    }
+    return "";
+}
+
+const std::string twoAdders = "instance a T_AddOne\ninstance b T_AddOne\n";
+
+}  // namespace
+
+TEST(PatchTokens, QuotesBracketsAndCommentsStayTogether) {
+    const auto tokens = tokenize(R"(set p."Count V1" "a \"b\" # c\u{e9}" [00 ff]  # comment)", {"f", 1});
+    ASSERT_EQ(tokens.size(), 4u);
+    EXPECT_EQ(tokens[1].raw, "p.\"Count V1\"");
+    EXPECT_FALSE(tokens[1].quoted);
+    EXPECT_TRUE(tokens[2].quoted);
+    EXPECT_EQ(tokens[2].text, "a \"b\" # c\xc3\xa9");
+    EXPECT_EQ(tokens[3].raw, "[00 ff]");
+    EXPECT_THROW(tokenize("set a.In \"open", {"f", 1}), HostError);
+    EXPECT_THROW(tokenize("set a.In \"\\q\"", {"f", 1}), HostError);
+    EXPECT_THROW(tokenize("set a.In \"\\u{d800}\"", {"f", 1}), HostError);
+}
+
+TEST(PatchParser, ResolvesPinsByNameQuotedNameAndIndex) {
+    const Patch p = parse("instance p T_HostProbe\nscenario\nexpect p.Count 9\nexpect p.\"Count V1\" 9\nexpect p.7 0\n");
+    ASSERT_EQ(p.scenario.size(), 3u);
+    EXPECT_EQ(p.label({"p", Side::Gui, 1}), "p.\"Count V1\"");
+    EXPECT_EQ(p.label({"p", Side::Gui, 7}), "p.Size");
+}
+
+TEST(PatchParser, EveryMistakeNamesFileAndLine) {
+    EXPECT_EQ(errorOf("instance a T_Nope"), "p.kxp:1: unknown identifier 'T_Nope': no module description names it");
+    EXPECT_EQ(errorOf(twoAdders + "set c.In 1"), "p.kxp:3: no instance named 'c'");
+    EXPECT_EQ(errorOf(twoAdders + "set a.Nope 1"), "p.kxp:3: T_AddOne (gui) has no pin named \"Nope\"");
+    EXPECT_EQ(errorOf(twoAdders + "\n\nset a.5 1"), "p.kxp:5: T_AddOne (gui) has no pin 5");
+    EXPECT_EQ(errorOf(twoAdders + "set a.In 1.5"), "p.kxp:3: 1.5 is not an int");
+    EXPECT_EQ(errorOf(twoAdders + "set a.In \"1\""), "p.kxp:3: \"1\" is not an int");
+    EXPECT_EQ(errorOf(twoAdders + "set a.In 4294967296"), "p.kxp:3: 4294967296 does not fit in 32 bits");
+    EXPECT_EQ(errorOf("instance t T_EchoText\nset t.Text hello"),
+              "p.kxp:2: hello is not text (text values are quoted: \"like this\")");
+    EXPECT_EQ(errorOf("instance p T_HostProbe\nset p.Unbound [0f 1]"),
+              "p.kxp:2: [0f 1] is not a blob (hex bytes in brackets: [00 ff 10])");
+    EXPECT_EQ(errorOf("instance a T_AddOne\ninstance a T_AddOne"), "p.kxp:2: the name 'a' is already used");
+    EXPECT_EQ(errorOf("instance a T_AddOne dsp"), "p.kxp:1: T_AddOne has no dsp side in its description");
+    EXPECT_EQ(errorOf("frobnicate"), "p.kxp:1: unknown directive 'frobnicate'");
+    EXPECT_EQ(errorOf("expect a.In 1"), "p.kxp:1: 'expect' is a step: it belongs after a 'scenario' line");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nwire a.Out -> b.In"), "p.kxp:4: 'wire' belongs before the 'scenario' line");
+    EXPECT_EQ(errorOf("option echo maybe"), "p.kxp:1: option echo is on or off, not 'maybe'");
+    EXPECT_EQ(errorOf("resources no/such/folder").rfind("p.kxp:1: resource folder ", 0), 0u);
+}
+
+TEST(PatchParser, WiresCheckTypesAndFanOutInOrder) {
+    EXPECT_EQ(errorOf("instance a T_AddOne\ninstance t T_EchoText\nwire a.Out -> t.Text"),
+              "p.kxp:3: cannot wire a.Out (int) to t.Text (text)");
+    EXPECT_EQ(errorOf(twoAdders + "wire a.Out -> a.Out"), "p.kxp:3: a wire from a.Out to itself");
+    EXPECT_EQ(errorOf(twoAdders + "wire a.Out -> b.In\nwire a.Out -> b.In"),
+              "p.kxp:4: a.Out is already wired to b.In at line 3");
+    const Patch p = parse(twoAdders + "instance c T_AddOne\nwire a.Out -> c.In b.In\n");
+    ASSERT_EQ(p.wires.size(), 2u);
+    EXPECT_EQ(p.wires[0].to.instance, "c");
+    EXPECT_EQ(p.wires[1].to.instance, "b");
+}
+
+TEST(PatchParser, ParametersBindPinsOfOneTypeOnce) {
+    EXPECT_EQ(errorOf("instance a T_AddOne\ninstance t T_EchoText\nparam x a.In t.Text"),
+              "p.kxp:3: parameter 'x' is int but t.Text is text");
+    EXPECT_EQ(errorOf(twoAdders + "param x a.In\nparam y a.In b.In"),
+              "p.kxp:4: a.In is already bound to parameter 'x'");
+    EXPECT_EQ(errorOf(twoAdders + "param x a.In\nset x \"3\""), "p.kxp:4: \"3\" is not an int");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nset y 3"), "p.kxp:4: no parameter named 'y' (pins are written instance.Pin)");
+}
+
+TEST(PatchParser, UnknownKeywordsReachRegisteredHandlers) {
+    static int layouts = 0;
+    static bool added = Directives::add("test-layout", [](Parser& p, const Line& line) {
+        ++layouts;
+        p.patch.extensions["test-layout"] = line.tokens.size();
+    }) && Steps::add("test-step", [](Parser&, const Line&) -> Action { return [](Session&) {}; });
+    ASSERT_TRUE(added);
+    const Patch p = parse("test-layout a b\nscenario\ntest-step\n");
+    EXPECT_EQ(layouts, 1);
+    EXPECT_EQ(std::any_cast<size_t>(p.extensions.at("test-layout")), 3u);
+    ASSERT_EQ(p.scenario.size(), 1u);
+    EXPECT_EQ(p.scenario[0].name, "test-step");
+}
