@@ -8,6 +8,7 @@
 #include "Bundle.h"
 #include "Catalogue.h"
 #include "Error.h"
+#include "Graphics.h"
 #include "Session.h"
 
 namespace {
@@ -73,12 +74,22 @@ int main(int argc, char** argv) {
     std::string patchFile;
     auto* runCmd = app.add_subcommand("run", "run a patch and its scenario, printing every pin transmission");
     runCmd->add_option("PATCH", patchFile, "the patch file")->required();
+    std::string outFolder;
+    runCmd->add_option("--out", outFolder, "folder the snapshot steps write their PNG images into (made if missing)");
     auto* listCmd = app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
     CLI11_PARSE(app, argc, argv);
 
     try {
-        if (*runCmd)
+        if (*runCmd) {
+            if (!outFolder.empty()) {
+                std::error_code ec;
+                std::filesystem::create_directories(outFolder, ec);
+                if (!std::filesystem::is_directory(outFolder))
+                    throw HostError("cannot make the output folder " + outFolder);
+                snapshotFolder() = outFolder;
+            }
             return run(paths, patchFile);
+        }
         if (*listCmd)
             return list(paths);
     } catch (const HostError& e) {
