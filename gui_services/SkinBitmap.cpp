@@ -137,6 +137,9 @@ void skinBitmap::renderBitmap(GmpiDrawing::Graphics& g, GmpiDrawing_API::MP1_SIZ
     const float at = static_cast<float>(drawAt_);
 
     if (m.mode == ImageMetadata::Slider) {
+        // A second frame, when the strip has one, is the track behind the handle.
+        if (lastFrame_ >= 1)
+            g.DrawBitmap(bitmap_, Rect(ox, oy, ox + fw, oy + fh), Rect(0, fh, fw, 2 * fh));
         // The first frame holds the handle at its resting place (the handle rectangle); it is drawn
         // moved by draw-at along the slider's axis, the same way the hit test reads it.
         const Rect source(m.handleLeft, m.handleTop, m.handleRight, m.handleBottom);

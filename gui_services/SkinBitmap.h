@@ -20,7 +20,10 @@ public:
     bool calcDrawAt(float normalised);
     // Whether a point in the widget's own coordinates is on the control.
     bool bitmapHitTestLocal(GmpiDrawing_API::MP1_POINT point);
-    // Draws the current frame with the widget's top-left corner at offset.
+    // Draws the current frame with the widget's top-left corner at offset. Knobs, animations and buttons
+    // draw their frame inside the padding. A slider's first frame holds the handle at its resting place
+    // (the handle rectangle), drawn moved by draw-at along its axis; a second frame is its track. A bar
+    // graph's first frame is unlit, and draw-at pixels of its second frame show from the bottom up.
     void renderBitmap(GmpiDrawing::Graphics& g, GmpiDrawing_API::MP1_SIZE_U offset);
     // The desired size: frame plus padding, or 10 x 10 with no image.
     GmpiDrawing_API::MP1_SIZE desiredSize() const;
