@@ -214,7 +214,7 @@ Action compileSnapshot(Parser& p, const Line& line) {
 }
 
 // expect-image REFERENCE.png [INSTANCE]: the rendering matches a reference PNG (beside the patch) with
-// a small tolerance: a channel may differ by up to 24 in 255, and up to 1 pixel in 200 may differ more.
+// a small tolerance: a channel may differ by up to 24 in 255, and up to 1 pixel in 1000 may differ more.
 Action compileExpectImage(Parser& p, const Line& line) {
     p.arity(line, 2, 3, "expect-image REFERENCE.png [INSTANCE]");
     std::filesystem::path reference = text(line.tokens[1]);
@@ -231,7 +231,7 @@ Action compileExpectImage(Parser& p, const Line& line) {
         const long total = image ? static_cast<long>(cairo_image_surface_get_width(image)) *
                                        cairo_image_surface_get_height(image)
                                  : 0;
-        if (differing < 0 || differing * 200 > total) {
+        if (differing < 0 || differing * 1000 > total) {
             std::string why = differing < 0 ? "cannot be compared (missing, unreadable or another size)"
                                             : std::to_string(differing) + " of " + std::to_string(total) +
                                                   " pixels differ";
