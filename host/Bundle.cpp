@@ -72,7 +72,8 @@ std::filesystem::path defaultBundlePath() {
     const auto exe = std::filesystem::read_symlink("/proc/self/exe", ec);
     const std::filesystem::path built = KX_DEFAULT_BUNDLE;
     if (!ec) {
-        const auto beside = exe.parent_path() / (built.empty() ? std::filesystem::path("KXModules.so") : built.filename());
+        const auto beside =
+            exe.parent_path() / (built.empty() ? std::filesystem::path("KXModules.so") : built.filename());
         if (std::filesystem::exists(beside, ec))
             return beside;
     }

@@ -42,12 +42,12 @@ std::optional<Value> defaultFromJson(Datatype type, const json& j) {
         case Datatype::Int:
         case Datatype::Enum:
             if (j.is_number_integer())
-                return Value(type, j.get<int32_t>());
+                return Value::ofInt(j.get<int32_t>(), type);
             break;
         case Datatype::Float:
         case Datatype::Audio:
             if (j.is_number())
-                return Value(type, j.get<float>());
+                return Value::ofFloat(j.get<float>(), type);
             break;
         case Datatype::Bool:
             if (j.is_boolean())
@@ -66,7 +66,7 @@ std::optional<Value> defaultFromJson(Datatype type, const json& j) {
                 Bytes b;
                 for (size_t i = 0; i < hex.size(); i += 2)
                     b.push_back(static_cast<uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-                return Value(type, std::move(b));
+                return Value::ofBlob(std::move(b), type);
             }
             break;
     }
@@ -96,7 +96,8 @@ SideInfo readSide(const json& j, const std::string& where) {
                               ? datatypeFromName(p["datatype"].get<std::string>())
                               : std::nullopt;
         if (!type)
-            throw HostError(at + " (" + pin.name + "): \"datatype\" must be one of text, bool, float, int, blob, enum, audio, midi");
+            throw HostError(at + " (" + pin.name +
+                            "): \"datatype\" must be one of text, bool, float, int, blob, enum, audio, midi");
         pin.type = *type;
         const std::string direction = p.value("direction", std::string());
         if (direction != "in" && direction != "out")

@@ -8,8 +8,9 @@ namespace kxhost {
 namespace {
 
 bool isName(const std::string& s) {
-    return !s.empty() && !std::isdigit(static_cast<unsigned char>(s[0])) &&
-           std::all_of(s.begin(), s.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '-'; });
+    return !s.empty() && !std::isdigit(static_cast<unsigned char>(s[0])) && std::all_of(s.begin(), s.end(), [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '-';
+    });
 }
 
 void checkNewName(Parser& p, const Line& line, const std::string& name) {
@@ -91,8 +92,8 @@ void paramDirective(Parser& p, const Line& line) {
         if (decl.pins.empty())
             decl.type = info.type;
         else if (!compatible(decl.type, info.type))
-            p.fail(line, "parameter '" + decl.name + "' is " + datatypeName(decl.type) + " but " +
-                             p.patch.label(pin) + " is " + datatypeName(info.type));
+            p.fail(line, "parameter '" + decl.name + "' is " + datatypeName(decl.type) + " but " + p.patch.label(pin) +
+                             " is " + datatypeName(info.type));
         decl.pins.push_back(pin);
     }
     p.patch.params.push_back(std::move(decl));

@@ -20,6 +20,8 @@ struct Location {
     std::string str() const { return file + ":" + std::to_string(line); }
 };
 
-inline HostError errorAt(const Location& where, const std::string& what) { return HostError(where.str() + ": " + what); }
+inline HostError errorAt(const Location& where, const std::string& what) {
+    return HostError(where.str() + ": " + what);
+}
 
 }  // namespace kxhost

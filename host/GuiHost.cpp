@@ -137,7 +137,8 @@ int32_t GuiHost::sendMessageToAudio(int32_t id, int32_t size, const void* data) 
     try {
         return instance_.session.messageToAudio(instance_, id, size, data);
     } catch (const std::exception& e) {
-        instance_.session.fail(instance_.session.current(), std::string("host error during sendMessageToAudio: ") + e.what());
+        instance_.session.fail(instance_.session.current(),
+                               std::string("host error during sendMessageToAudio: ") + e.what());
         return gmpi::MP_FAIL;
     }
 }
@@ -150,7 +151,8 @@ int32_t GuiHost::resolveResource(const char* resourceName, const char* resourceT
     auto* text = static_cast<gmpi::IString*>(face);
     bool found = false;
     const std::string path =
-        findResource(instance_.session.resourceFolders(), resourceName, resourceType ? resourceType : "", found).string();
+        findResource(instance_.session.resourceFolders(), resourceName, resourceType ? resourceType : "", found)
+            .string();
     text->setData(path.data(), static_cast<int32_t>(path.size()));
     text->release();
     return found ? gmpi::MP_OK : gmpi::MP_FAIL;

@@ -31,7 +31,8 @@ public:
     int32_t getHandle(int32_t& returnHandle) override;
     int32_t getPinCount(int32_t& returnCount) override;
     int32_t sendMessageToAudio(int32_t id, int32_t size, const void* data) override;
-    int32_t resolveResource(const char* resourceName, const char* resourceType, gmpi::IMpUnknown* returnFullPath) override;
+    int32_t resolveResource(const char* resourceName, const char* resourceType,
+                            gmpi::IMpUnknown* returnFullPath) override;
     int32_t openResource(const char* fullPath, gmpi::IMpUnknown** returnStream) override;
     int32_t reserved1() override { return gmpi::MP_NOSUPPORT; }
     int32_t reserved2() override { return gmpi::MP_NOSUPPORT; }

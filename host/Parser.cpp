@@ -44,12 +44,24 @@ std::string readQuoted(const std::string& s, size_t& i, const Location& where) {
         if (++i == s.size())
             break;
         switch (s[i]) {
-            case 'n': out += '\n'; break;
-            case 't': out += '\t'; break;
-            case 'r': out += '\r'; break;
-            case '0': out += '\0'; break;
-            case '"': out += '"'; break;
-            case '\\': out += '\\'; break;
+            case 'n':
+                out += '\n';
+                break;
+            case 't':
+                out += '\t';
+                break;
+            case 'r':
+                out += '\r';
+                break;
+            case '0':
+                out += '\0';
+                break;
+            case '"':
+                out += '"';
+                break;
+            case '\\':
+                out += '\\';
+                break;
             case 'u': {
                 // \u{1F600}
                 const size_t close = s.find('}', i);
@@ -69,7 +81,8 @@ std::string readQuoted(const std::string& s, size_t& i, const Location& where) {
                 i = close;
                 break;
             }
-            default: throw errorAt(where, std::string("unknown escape \\") + s[i] + " in quoted text");
+            default:
+                throw errorAt(where, std::string("unknown escape \\") + s[i] + " in quoted text");
         }
     }
     throw errorAt(where, "quoted text is not closed");
@@ -183,7 +196,8 @@ PinRef Parser::pin(const Line& line, const Token& token) const {
         if (!info)
             fail(line, owner + " has no pin named \"" + name + "\"");
         ref.index = info->index;
-    } else if (std::all_of(rest.begin(), rest.end(), [](char c) { return std::isdigit(static_cast<unsigned char>(c)); })) {
+    } else if (std::all_of(rest.begin(), rest.end(),
+                           [](char c) { return std::isdigit(static_cast<unsigned char>(c)); })) {
         int index = -1;
         std::from_chars(rest.data(), rest.data() + rest.size(), index);
         if (!side.byIndex(index))
@@ -274,21 +288,21 @@ Value Parser::value(const Line& line, const Token& token, Datatype type) const {
                 throw wrong(type == Datatype::Int ? "an int" : "an enum value (an int)");
             if (*v < INT32_MIN || *v > UINT32_MAX)
                 fail(line, s + " does not fit in 32 bits");
-            return Value(type, static_cast<int32_t>(static_cast<uint32_t>(*v)));
+            return Value::ofInt(static_cast<int32_t>(static_cast<uint32_t>(*v)), type);
         }
         case Datatype::Float:
         case Datatype::Audio: {
             const auto v = token.quoted ? std::nullopt : parseFloat(s);
             if (!v)
                 throw wrong("a float");
-            return Value(type, *v);
+            return Value::ofFloat(*v, type);
         }
         case Datatype::Blob:
         case Datatype::Midi: {
             const auto v = token.quoted ? std::nullopt : parseBlob(s);
             if (!v)
                 throw wrong("a blob (hex bytes in brackets: [00 ff 10])");
-            return Value(type, *v);
+            return Value::ofBlob(*v, type);
         }
     }
     throw wrong("a value");

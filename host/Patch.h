@@ -54,9 +54,9 @@ struct ParamDecl {
 enum class Trace { Off, Transmissions, Deliveries };
 
 struct Options {
-    bool echo = true;       // deliver a transmitted value back into the sender's own pin
-    bool defaults = true;   // deliver the descriptions' default values at start
-    int depth = 64;         // transmissions nested deeper than this are a feedback loop
+    bool echo = true;      // deliver a transmitted value back into the sender's own pin
+    bool defaults = true;  // deliver the descriptions' default values at start
+    int depth = 64;        // transmissions nested deeper than this are a feedback loop
     Trace trace = Trace::Transmissions;
 };
 

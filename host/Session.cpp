@@ -34,6 +34,7 @@ Session::Session(Bundle& bundle, const Patch& patch, std::ostream& out, std::ost
 }
 
 Session::~Session() {
+    closing_ = true;
     for (auto& e : extensions_)
         e->finishing(*this);
     // Modules go first (in reverse creation order), while the host objects they hold still exist.
@@ -69,6 +70,8 @@ gmpi::IMpUnknown* createHalf(Bundle& bundle, const InstanceDecl& decl, Side side
 }  // namespace
 
 void Session::start() {
+    if (patch_.options.trace != Trace::Off)
+        out_ << "-- start\n";
     int32_t handle = 0;
     for (const auto& decl : patch_.instances) {
         current_ = decl.where;
@@ -111,8 +114,6 @@ void Session::start() {
     for (auto& e : extensions_)
         e->started(*this);
 
-    if (patch_.options.trace != Trace::Off)
-        out_ << "-- start\n";
     if (patch_.options.defaults) {
         for (auto& inst : instances_) {
             current_ = inst->decl.where;
@@ -151,7 +152,8 @@ void Session::runStep(const Step& step) {
     if (!step.observes)
         for (auto& [ref, state] : pins_)
             state.sent = 0;
-    if (patch_.options.trace != Trace::Off)
+    // Observing steps speak for themselves (a check mark, a printed line); actions are echoed.
+    if (patch_.options.trace != Trace::Off && !step.observes)
         out_ << "> " << step.text << "\n";
     step.run(*this);
 }
@@ -218,7 +220,8 @@ void Session::deliver(const PinRef& pin, const Value& value, const char* why) {
             if (e->deliverToDsp(*this, *inst, pin.index, value))
                 return;
         if (!warnedDsp_)
-            warn("this host does not run DSP halves: values for " + patch_.label(pin) + " and other DSP pins are dropped");
+            warn("this host does not run DSP halves: values for " + patch_.label(pin) +
+                 " and other DSP pins are dropped");
         warnedDsp_ = true;
         return;
     }
@@ -243,11 +246,11 @@ int32_t Session::transmit(Instance& from, Side side, int32_t pinId, int32_t size
     }
     const auto value = Value::decode(info->type, size, data);
     if (!value) {
-        warn(patch_.label(ref) + " transmitted " + std::to_string(size) + " bytes, which is no " +
-             datatypeName(info->type) + " value; refused");
+        warn(patch_.label(ref) + " transmitted " + std::to_string(size) + " bytes" +
+             (data ? "" : " from a null address") + ", which is no " + datatypeName(info->type) + " value; refused");
         return gmpi::MP_FAIL;
     }
-    if (cutting_)
+    if (cutting_ || closing_)
         return gmpi::MP_FAIL;
     if (depth_ >= patch_.options.depth) {
         cutting_ = true;

@@ -25,7 +25,7 @@ public:
 
     Session& session;
     const InstanceDecl& decl;
-    const int32_t handle;  // unique within the session, from 1
+    const int32_t handle;                     // unique within the session, from 1
     gmpi::IMpUserInterface2B* gui = nullptr;  // the GUI half (one reference owned), or null
     gmpi::IMpUnknown* dsp = nullptr;          // the DSP half as the factory made it (one reference), or null
 
@@ -121,6 +121,7 @@ private:
     Location current_;
     int depth_ = 0;
     bool cutting_ = false;  // a loop was cut: drop every transmission until the cascade unwinds
+    bool closing_ = false;  // modules are being released: nothing they transmit is routed any more
     int failures_ = 0;
     bool warnedDsp_ = false;
 };

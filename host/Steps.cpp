@@ -62,8 +62,10 @@ Action compileExpect(Parser& p, const Line& line) {
         return [t, n, where](Session& s) {
             const int sent = s.sentCount(*t.pin);
             if (sent != n)
-                s.fail(where, "expectation failed: " + t.label + " sent " + std::to_string(sent) + " time(s), expected " +
-                                  std::to_string(n));
+                s.fail(where, "expectation failed: " + t.label + " sent " + std::to_string(sent) +
+                                  " time(s), expected " + std::to_string(n));
+            else
+                s.trace("ok " + t.label + " sent " + std::to_string(n));
         };
     }
     p.arity(line, 3, 3, "expect TARGET VALUE");
@@ -72,6 +74,8 @@ Action compileExpect(Parser& p, const Line& line) {
         const Value& now = current(s, t);
         if (!(now == v))
             s.fail(where, "expectation failed: " + t.label + " is " + now.format() + ", expected " + v.format());
+        else
+            s.trace("ok " + t.label + " = " + v.format());
     };
 }
 

@@ -21,95 +21,150 @@ std::optional<Datatype> datatypeFromName(std::string_view name) {
     return std::nullopt;
 }
 
-Value::Value(Datatype type) : type_(type) {
+namespace {
+
+// The datatypes grouped by the value they carry.
+enum class Kind { Int, Float, Bool, Text, Bytes };
+
+Kind kindOf(Datatype type) {
     switch (type) {
-        case Datatype::Text: storage_ = std::wstring(); break;
-        case Datatype::Bool: storage_ = false; break;
-        case Datatype::Float:
-        case Datatype::Audio: storage_ = 0.0f; break;
         case Datatype::Int:
-        case Datatype::Enum: storage_ = int32_t{0}; break;
+        case Datatype::Enum:
+            return Kind::Int;
+        case Datatype::Float:
+        case Datatype::Audio:
+            return Kind::Float;
+        case Datatype::Bool:
+            return Kind::Bool;
+        case Datatype::Text:
+            return Kind::Text;
         case Datatype::Blob:
-        case Datatype::Midi: storage_ = Bytes(); break;
+        case Datatype::Midi:
+            return Kind::Bytes;
     }
+    return Kind::Bytes;
+}
+
+}  // namespace
+
+Value Value::ofInt(int32_t v, Datatype type) {
+    Value r(type);
+    r.int_ = v;
+    return r;
+}
+
+Value Value::ofFloat(float v, Datatype type) {
+    Value r(type);
+    r.float_ = v;
+    return r;
+}
+
+Value Value::ofBool(bool v) {
+    Value r(Datatype::Bool);
+    r.bool_ = v;
+    return r;
+}
+
+Value Value::ofText(std::wstring v) {
+    Value r(Datatype::Text);
+    r.text_ = std::move(v);
+    return r;
+}
+
+Value Value::ofBlob(Bytes v, Datatype type) {
+    Value r(type);
+    r.blob_ = std::move(v);
+    return r;
 }
 
 std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data) {
     if (size < 0 || (size > 0 && data == nullptr))
         return std::nullopt;
     const auto* p = static_cast<const uint8_t*>(data);
-    switch (type) {
-        case Datatype::Int:
-        case Datatype::Enum: {
+    switch (kindOf(type)) {
+        case Kind::Int: {
             if (size != 4)
                 return std::nullopt;
             int32_t v;
             std::memcpy(&v, p, 4);
-            return Value(type, v);
+            return ofInt(v, type);
         }
-        case Datatype::Float:
-        case Datatype::Audio: {
+        case Kind::Float: {
             if (size != 4)
                 return std::nullopt;
             float v;
             std::memcpy(&v, p, 4);
-            return Value(type, v);
+            return ofFloat(v, type);
         }
-        case Datatype::Bool:
+        case Kind::Bool:
             // One byte is what a bool pin sends; four bytes is how some hosts store a bool.
             if (size == 1)
-                return Value(type, p[0] != 0);
+                return ofBool(p[0] != 0);
             if (size == 4) {
                 int32_t v;
                 std::memcpy(&v, p, 4);
-                return Value(type, v != 0);
+                return ofBool(v != 0);
             }
             return std::nullopt;
-        case Datatype::Text: {
+        case Kind::Text: {
             if (size % 4 != 0)
                 return std::nullopt;
             std::wstring text(static_cast<size_t>(size) / 4, L'\0');
             if (size > 0)
                 std::memcpy(text.data(), p, static_cast<size_t>(size));
-            return Value(type, std::move(text));
+            return ofText(std::move(text));
         }
-        case Datatype::Blob:
-        case Datatype::Midi: return Value(type, Bytes(p, p + size));
+        case Kind::Bytes:
+            return ofBlob(Bytes(p, p + size), type);
     }
     return std::nullopt;
 }
 
 Bytes Value::bytes() const {
-    return std::visit(
-        [](const auto& v) -> Bytes {
-            using T = std::decay_t<decltype(v)>;
-            if constexpr (std::is_same_v<T, bool>) {
-                return Bytes{static_cast<uint8_t>(v ? 1 : 0)};
-            } else if constexpr (std::is_same_v<T, std::wstring>) {
-                Bytes b(v.size() * sizeof(wchar_t));
-                if (!b.empty())
-                    std::memcpy(b.data(), v.data(), b.size());
-                return b;
-            } else if constexpr (std::is_same_v<T, Bytes>) {
-                return v;
-            } else {
-                Bytes b(sizeof v);
-                std::memcpy(b.data(), &v, sizeof v);
-                return b;
-            }
-        },
-        storage_);
+    Bytes b;
+    switch (kindOf(type_)) {
+        case Kind::Int:
+            b.resize(4);
+            std::memcpy(b.data(), &int_, 4);
+            break;
+        case Kind::Float:
+            b.resize(4);
+            std::memcpy(b.data(), &float_, 4);
+            break;
+        case Kind::Bool:
+            b.push_back(bool_ ? 1 : 0);
+            break;
+        case Kind::Text:
+            b.resize(text_.size() * sizeof(wchar_t));
+            if (!b.empty())
+                std::memcpy(b.data(), text_.data(), b.size());
+            break;
+        case Kind::Bytes:
+            b = blob_;
+            break;
+    }
+    return b;
 }
 
 std::string quoted(std::string_view s) {
     std::string out = "\"";
     for (char c : s) {
         switch (c) {
-            case '"': out += "\\\""; break;
-            case '\\': out += "\\\\"; break;
-            case '\n': out += "\\n"; break;
-            case '\t': out += "\\t"; break;
-            case '\r': out += "\\r"; break;
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
             default:
                 if (static_cast<unsigned char>(c) < 0x20) {
                     char buf[8];
@@ -124,50 +179,58 @@ std::string quoted(std::string_view s) {
 }
 
 std::string Value::format() const {
-    return std::visit(
-        [](const auto& v) -> std::string {
-            using T = std::decay_t<decltype(v)>;
-            if constexpr (std::is_same_v<T, bool>) {
-                return v ? "true" : "false";
-            } else if constexpr (std::is_same_v<T, int32_t>) {
-                return std::to_string(v);
-            } else if constexpr (std::is_same_v<T, float>) {
-                if (std::isnan(v))
-                    return "nan";
-                if (std::isinf(v))
-                    return v > 0 ? "inf" : "-inf";
-                char buf[32];
-                auto r = std::to_chars(buf, buf + sizeof buf, v);
-                std::string s(buf, r.ptr);
-                // Keep floats recognisable as floats in a trace.
-                if (s.find_first_of(".e") == std::string::npos)
-                    s += ".0";
-                return s;
-            } else if constexpr (std::is_same_v<T, std::wstring>) {
-                return kxhost::quoted(narrow(v));
-            } else {
-                static const char hex[] = "0123456789abcdef";
-                std::string s = "[";
-                for (size_t i = 0; i < v.size(); ++i) {
-                    if (i)
-                        s += ' ';
-                    s += hex[v[i] >> 4];
-                    s += hex[v[i] & 15];
-                }
-                return s + "]";
+    switch (kindOf(type_)) {
+        case Kind::Int:
+            return std::to_string(int_);
+        case Kind::Bool:
+            return bool_ ? "true" : "false";
+        case Kind::Text:
+            return kxhost::quoted(narrow(text_));
+        case Kind::Float: {
+            if (std::isnan(float_))
+                return "nan";
+            if (std::isinf(float_))
+                return float_ > 0 ? "inf" : "-inf";
+            char buf[32];
+            auto r = std::to_chars(buf, buf + sizeof buf, float_);
+            std::string s(buf, r.ptr);
+            // Keep floats recognisable as floats in a trace.
+            if (s.find_first_of(".e") == std::string::npos)
+                s += ".0";
+            return s;
+        }
+        case Kind::Bytes: {
+            static const char hex[] = "0123456789abcdef";
+            std::string s = "[";
+            for (size_t i = 0; i < blob_.size(); ++i) {
+                if (i)
+                    s += ' ';
+                s += hex[blob_[i] >> 4];
+                s += hex[blob_[i] & 15];
             }
-        },
-        storage_);
+            return s + "]";
+        }
+    }
+    return "?";
 }
 
 bool operator==(const Value& a, const Value& b) {
-    if (a.storage_.index() != b.storage_.index())
+    const Kind kind = kindOf(a.type_);
+    if (kind != kindOf(b.type_))
         return false;
-    if (const auto* x = std::get_if<float>(&a.storage_)) {
-        const float y = std::get<float>(b.storage_);
-        return (std::isnan(*x) && std::isnan(y)) || *x == y;
+    switch (kind) {
+        case Kind::Int:
+            return a.int_ == b.int_;
+        case Kind::Float:
+            return (std::isnan(a.float_) && std::isnan(b.float_)) || a.float_ == b.float_;
+        case Kind::Bool:
+            return a.bool_ == b.bool_;
+        case Kind::Text:
+            return a.text_ == b.text_;
+        case Kind::Bytes:
+            return a.blob_ == b.blob_;
     }
-    return a.storage_ == b.storage_;
+    return false;
 }
 
 }  // namespace kxhost

@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 namespace kxhost {
@@ -22,34 +21,42 @@ using Bytes = std::vector<uint8_t>;
 
 class Value {
 public:
-    using Storage = std::variant<int32_t, float, bool, std::wstring, Bytes>;
-
     // The zero of a datatype: 0, 0.0, false, empty text, empty blob.
-    explicit Value(Datatype type = Datatype::Int);
-    Value(Datatype type, Storage storage) : type_(type), storage_(std::move(storage)) {}
+    explicit Value(Datatype type = Datatype::Int) : type_(type) {}
 
-    static Value ofInt(int32_t v) { return {Datatype::Int, v}; }
-    static Value ofFloat(float v) { return {Datatype::Float, v}; }
-    static Value ofBool(bool v) { return {Datatype::Bool, v}; }
-    static Value ofText(std::wstring v) { return {Datatype::Text, std::move(v)}; }
-    static Value ofBlob(Bytes v) { return {Datatype::Blob, std::move(v)}; }
+    static Value ofInt(int32_t v, Datatype type = Datatype::Int);
+    static Value ofFloat(float v, Datatype type = Datatype::Float);
+    static Value ofBool(bool v);
+    static Value ofText(std::wstring v);
+    static Value ofBlob(Bytes v, Datatype type = Datatype::Blob);
 
     // Reads what a module sent. A size the datatype cannot hold (an int of 3 bytes, text of 6 bytes, a
     // negative size, null data with a size) gives nullopt: such a transmission is refused, not guessed at.
     static std::optional<Value> decode(Datatype type, int32_t size, const void* data);
 
     Datatype type() const { return type_; }
-    const Storage& storage() const { return storage_; }
+    // The field of the value's datatype is the value; the others stay at zero.
+    int32_t asInt() const { return int_; }
+    float asFloat() const { return float_; }
+    bool asBool() const { return bool_; }
+    const std::wstring& text() const { return text_; }
+    const Bytes& blob() const { return blob_; }
+
     Bytes bytes() const;
     // The value as a patch file would write it: 5, 1.5, true, "text", [00 ff].
     std::string format() const;
 
-    // Floats compare as numbers, except that NaN equals NaN: a patch can expect a NaN.
+    // Values of datatypes that carry the same bytes (int and enum, float and audio, blob and midi)
+    // compare by value. Floats compare as numbers, except that NaN equals NaN: a patch can expect a NaN.
     friend bool operator==(const Value& a, const Value& b);
 
 private:
     Datatype type_;
-    Storage storage_;
+    int32_t int_ = 0;
+    float float_ = 0.0f;
+    bool bool_ = false;
+    std::wstring text_;
+    Bytes blob_;
 };
 
 // Quotes text for a patch file or a trace: "a \"b\"\n".

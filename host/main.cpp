@@ -19,7 +19,9 @@ struct Paths {
     std::string bundle;
     std::string descriptions;
 
-    std::filesystem::path bundlePath() const { return bundle.empty() ? defaultBundlePath() : std::filesystem::path(bundle); }
+    std::filesystem::path bundlePath() const {
+        return bundle.empty() ? defaultBundlePath() : std::filesystem::path(bundle);
+    }
     // The descriptions travel with the bundle: by default the folder beside it.
     std::filesystem::path descriptionsPath() const {
         return descriptions.empty() ? bundlePath().parent_path() / "descriptions" : std::filesystem::path(descriptions);
@@ -70,13 +72,15 @@ int main(int argc, char** argv) {
     app.fallthrough();
     Paths paths;
     app.add_option("--bundle", paths.bundle, "the module bundle to load (default: the one beside kxhost)");
-    app.add_option("--descriptions", paths.descriptions, "folder of module description files (default: descriptions/ beside the bundle)");
+    app.add_option("--descriptions", paths.descriptions,
+                   "folder of module description files (default: descriptions/ beside the bundle)");
     std::string patchFile;
     auto* runCmd = app.add_subcommand("run", "run a patch and its scenario, printing every pin transmission");
     runCmd->add_option("PATCH", patchFile, "the patch file")->required();
     std::string outFolder;
     runCmd->add_option("--out", outFolder, "folder the snapshot steps write their PNG images into (made if missing)");
-    auto* listCmd = app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
+    auto* listCmd =
+        app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
     CLI11_PARSE(app, argc, argv);
 
     try {

@@ -26,13 +26,16 @@ inline kxhost::Bundle& bundle() {
 
 // A patch parsed from text (as if from file "test.kxp" in dir), started, scenario run.
 struct PatchRun {
-    explicit PatchRun(const std::string& text, const std::filesystem::path& dir = std::filesystem::temp_directory_path())
+    explicit PatchRun(const std::string& text,
+                      const std::filesystem::path& dir = std::filesystem::temp_directory_path())
         : patch(kxhost::parsePatchText(text, dir / "test.kxp", testCatalogue())),
           session(std::make_unique<kxhost::Session>(bundle(), patch, out, err)) {
         passed = session->run();
     }
     kxhost::PinRef pin(const std::string& instance, int index) const { return {instance, kxhost::Side::Gui, index}; }
-    const kxhost::Value& value(const std::string& instance, int index) const { return session->value(pin(instance, index)); }
+    const kxhost::Value& value(const std::string& instance, int index) const {
+        return session->value(pin(instance, index));
+    }
 
     kxhost::Patch patch;
     std::ostringstream out, err;

@@ -12,7 +12,7 @@ using kxhosttest::PatchRun;
 
 namespace {
 
-std::wstring text(const Value& v) { return std::get<std::wstring>(v.storage()); }
+std::wstring text(const Value& v) { return v.text(); }
 
 // A scratch resource folder with one image, removed afterwards.
 struct ResourceDir {
@@ -53,8 +53,9 @@ TEST(GuiHost, EchoesIntoTheSenderUnlessTurnedOff) {
 
 TEST(GuiHost, ParameterDeliversToEveryBoundPinWriterIncluded) {
     // Both counters' Out pins share a parameter: c1 writing it reaches c1 (its echo) and c2.
-    PatchRun r("instance c1 T_EchoCounter\ninstance c2 T_EchoCounter\nparam shared c1.Out c2.Out\n"
-          "scenario\nset c1.Value 7\nexpect shared 7\nexpect c2.Out 7\nexpect c1.Echoes 1\nexpect c2.Echoes 1\n");
+    PatchRun r(
+        "instance c1 T_EchoCounter\ninstance c2 T_EchoCounter\nparam shared c1.Out c2.Out\n"
+        "scenario\nset c1.Value 7\nexpect shared 7\nexpect c2.Out 7\nexpect c1.Echoes 1\nexpect c2.Echoes 1\n");
     EXPECT_TRUE(r.passed) << r.err.str();
     // Setting the parameter from the scenario reaches both pins too.
     PatchRun s("instance c1 T_EchoCounter\ninstance c2 T_EchoCounter\nparam shared c1.Out c2.Out\nset shared 3\n");
@@ -63,16 +64,18 @@ TEST(GuiHost, ParameterDeliversToEveryBoundPinWriterIncluded) {
 }
 
 TEST(GuiHost, WiresDeliverInWireOrderAndChainsNest) {
-    PatchRun r("instance a T_AddOne\ninstance b T_AddOne\ninstance c T_AddOne\n"
-          "wire a.Out -> c.In b.In\nscenario\nset a.In 1\nexpect c.Out 3\nexpect b.Out 3\nexpect a.Out sent 1\n");
+    PatchRun r(
+        "instance a T_AddOne\ninstance b T_AddOne\ninstance c T_AddOne\n"
+        "wire a.Out -> c.In b.In\nscenario\nset a.In 1\nexpect c.Out 3\nexpect b.Out 3\nexpect a.Out sent 1\n");
     EXPECT_TRUE(r.passed) << r.err.str();
     const std::string trace = r.out.str();
     EXPECT_NE(trace.find("  a.Out -> 2\n    c.Out -> 3\n    b.Out -> 3\n"), std::string::npos) << trace;
 }
 
 TEST(GuiHost, FeedbackLoopIsCutWithAMessage) {
-    PatchRun r("option depth 20\ninstance a T_AddOne\ninstance b T_AddOne\nwire a.Out -> b.In\nwire b.Out -> a.In\n"
-          "scenario\nset a.In 0\nprint \"after\"\n");
+    PatchRun r(
+        "option depth 20\ninstance a T_AddOne\ninstance b T_AddOne\nwire a.Out -> b.In\nwire b.Out -> a.In\n"
+        "scenario\nset a.In 0\nprint \"after\"\n");
     EXPECT_FALSE(r.passed);
     EXPECT_NE(r.err.str().find("test.kxp:7: feedback loop: transmissions nested deeper than 20; cut at"),
               std::string::npos)
@@ -154,8 +157,9 @@ TEST(GuiHost, OffersExtraFacesAndOpensOnlyFiles) {
 }
 
 TEST(GuiHost, TextTravelsAsCodePoints) {
-    PatchRun r("instance t T_EchoText\nscenario\nexpect t.Echo \"start\"\nset t.Text \"caf\\u{e9} \\u{1f600}\"\n"
-          "expect t.Echo \"caf\\u{e9} \\u{1f600}\"\n");
+    PatchRun r(
+        "instance t T_EchoText\nscenario\nexpect t.Echo \"start\"\nset t.Text \"caf\\u{e9} \\u{1f600}\"\n"
+        "expect t.Echo \"caf\\u{e9} \\u{1f600}\"\n");
     EXPECT_TRUE(r.passed) << r.err.str();
     EXPECT_EQ(text(r.value("t", 1)), L"caf\u00e9 \U0001F600");
 }
@@ -184,4 +188,51 @@ TEST(Bundle, CreatesOnlyDescribedSidesItHas) {
     EXPECT_TRUE(b.creates("T_AddOne", Side::Gui));
     EXPECT_FALSE(b.creates("T_AddOne", Side::Dsp));
     EXPECT_FALSE(b.creates("T_Ghost", Side::Gui));
+}
+
+namespace {
+
+constexpr gmpi::MpGuid probeFaceIid = {0xABCDEF01, 2, 3, {4, 5, 6, 7, 8, 9, 10, 12}};
+
+// Offers one face to every instance and records the order of the hooks it sees.
+class ProbeExtension : public Extension {
+public:
+    void instanceCreated(Session&, Instance& inst) override {
+        events.push_back("created " + inst.name() + (inst.gui ? " gui" : ""));
+        inst.offer(probeFaceIid, &face);
+    }
+    void started(Session&) override { events.push_back("started"); }
+    void finishing(Session&) override { events.push_back("finishing"); }
+
+    std::vector<std::string> events;
+    ReturnString face;
+};
+
+std::vector<std::string>* lastEvents = nullptr;
+
+struct Recorder : ProbeExtension {
+    ~Recorder() override {
+        if (lastEvents)
+            *lastEvents = events;
+    }
+};
+
+const bool probeRegistered = Extensions::add([] { return std::make_unique<Recorder>(); });
+
+}  // namespace
+
+TEST(HostExtensions, SeeEveryInstanceBeforeItsHostAndOfferFaces) {
+    ASSERT_TRUE(probeRegistered);
+    std::vector<std::string> events;
+    lastEvents = &events;
+    {
+        PatchRun r("instance a T_AddOne\ninstance b T_EchoText\n");
+        auto* probe = r.session->extension<ProbeExtension>();
+        ASSERT_NE(probe, nullptr);
+        void* out = nullptr;
+        ASSERT_EQ(r.session->instance("b")->guiHost().queryInterface(probeFaceIid, &out), gmpi::MP_OK);
+        EXPECT_EQ(out, &probe->face);
+    }
+    EXPECT_EQ(events, (std::vector<std::string>{"created a gui", "created b gui", "started", "finishing"}));
+    lastEvents = nullptr;
 }

@@ -39,7 +39,8 @@ TEST(PatchTokens, QuotesBracketsAndCommentsStayTogether) {
 }
 
 TEST(PatchParser, ResolvesPinsByNameQuotedNameAndIndex) {
-    const Patch p = parse("instance p T_HostProbe\nscenario\nexpect p.Count 9\nexpect p.\"Count V1\" 9\nexpect p.7 0\n");
+    const Patch p =
+        parse("instance p T_HostProbe\nscenario\nexpect p.Count 9\nexpect p.\"Count V1\" 9\nexpect p.7 0\n");
     ASSERT_EQ(p.scenario.size(), 3u);
     EXPECT_EQ(p.label({"p", Side::Gui, 1}), "p.\"Count V1\"");
     EXPECT_EQ(p.label({"p", Side::Gui, 7}), "p.Size");
@@ -61,7 +62,8 @@ TEST(PatchParser, EveryMistakeNamesFileAndLine) {
     EXPECT_EQ(errorOf("instance a T_AddOne dsp"), "p.kxp:1: T_AddOne has no dsp side in its description");
     EXPECT_EQ(errorOf("frobnicate"), "p.kxp:1: unknown directive 'frobnicate'");
     EXPECT_EQ(errorOf("expect a.In 1"), "p.kxp:1: 'expect' is a step: it belongs after a 'scenario' line");
-    EXPECT_EQ(errorOf(twoAdders + "scenario\nwire a.Out -> b.In"), "p.kxp:4: 'wire' belongs before the 'scenario' line");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nwire a.Out -> b.In"),
+              "p.kxp:4: 'wire' belongs before the 'scenario' line");
     EXPECT_EQ(errorOf("option echo maybe"), "p.kxp:1: option echo is on or off, not 'maybe'");
     EXPECT_EQ(errorOf("resources no/such/folder").rfind("p.kxp:1: resource folder ", 0), 0u);
 }
@@ -84,15 +86,18 @@ TEST(PatchParser, ParametersBindPinsOfOneTypeOnce) {
     EXPECT_EQ(errorOf(twoAdders + "param x a.In\nparam y a.In b.In"),
               "p.kxp:4: a.In is already bound to parameter 'x'");
     EXPECT_EQ(errorOf(twoAdders + "param x a.In\nset x \"3\""), "p.kxp:4: \"3\" is not an int");
-    EXPECT_EQ(errorOf(twoAdders + "scenario\nset y 3"), "p.kxp:4: no parameter named 'y' (pins are written instance.Pin)");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nset y 3"),
+              "p.kxp:4: no parameter named 'y' (pins are written instance.Pin)");
 }
 
 TEST(PatchParser, UnknownKeywordsReachRegisteredHandlers) {
     static int layouts = 0;
-    static bool added = Directives::add("test-layout", [](Parser& p, const Line& line) {
-        ++layouts;
-        p.patch.extensions["test-layout"] = line.tokens.size();
-    }) && Steps::add("test-step", [](Parser&, const Line&) -> Action { return [](Session&) {}; });
+    static bool added = Directives::add("test-layout",
+                                        [](Parser& p, const Line& line) {
+                                            ++layouts;
+                                            p.patch.extensions["test-layout"] = line.tokens.size();
+                                        }) &&
+                        Steps::add("test-step", [](Parser&, const Line&) -> Action { return [](Session&) {}; });
     ASSERT_TRUE(added);
     const Patch p = parse("test-layout a b\nscenario\ntest-step\n");
     EXPECT_EQ(layouts, 1);

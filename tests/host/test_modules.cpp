@@ -164,10 +164,8 @@ private:
 };
 
 namespace {
-const bool registered = gmpi::Register<T_AddOne>::withId(L"T_AddOne") &&
-                        gmpi::Register<T_EchoText>::withId(L"T_EchoText") &&
-                        gmpi::Register<T_Thrower>::withId(L"T_Thrower") &&
-                        gmpi::Register<T_EchoCounter>::withId(L"T_EchoCounter") &&
-                        gmpi::Register<T_HostProbe>::withId(L"T_HostProbe") &&
-                        gmpi::Register<T_Misbehave>::withId(L"T_Misbehave");
+const bool registered =
+    gmpi::Register<T_AddOne>::withId(L"T_AddOne") && gmpi::Register<T_EchoText>::withId(L"T_EchoText") &&
+    gmpi::Register<T_Thrower>::withId(L"T_Thrower") && gmpi::Register<T_EchoCounter>::withId(L"T_EchoCounter") &&
+    gmpi::Register<T_HostProbe>::withId(L"T_HostProbe") && gmpi::Register<T_Misbehave>::withId(L"T_Misbehave");
 }
