@@ -34,7 +34,7 @@ struct ImageMetadata {
     uint32_t bitmapWidth = 0;
     uint32_t bitmapHeight = 0;
 
-    // Applies a metadata file's lines over the current values (see docs/skins.md for the format).
+    // Applies a metadata file's lines over the current values (the format is in docs/skins.md).
     void Serialise(std::string_view fileBytes);
 
     // The metadata file of an image: the name with its extension (the text from the last "." after the
