@@ -242,6 +242,14 @@ public:
         }
         return *this;
     }
+    // Takes the text over instead of copying it: whole files travel on text pins.
+    MpGuiPin& operator=(std::wstring&& newValue) {
+        if (newValue != value) {
+            value = std::move(newValue);
+            transmit();
+        }
+        return *this;
+    }
     MpGuiPin& operator=(const wchar_t* newValue) { return *this = std::wstring(newValue ? newValue : L""); }
     operator std::wstring() const { return value; }
     const std::wstring& getValue() const { return value; }

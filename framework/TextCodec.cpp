@@ -1,5 +1,7 @@
 #include "TextCodec.h"
 
+#include <cstdint>
+#include <cstring>
 #include <stdexcept>
 
 namespace kx {
@@ -87,25 +89,42 @@ std::wstring fromUtf8(std::string_view text) {
 }
 
 void fromUtf8Lenient(std::string_view text, std::wstring& out) {
-    out.reserve(out.size() + text.size());
+    // Writes through a pointer into room for one character per byte (the most there can be), then trims:
+    // a character at a time through push_back costs a capacity check and a terminator per character,
+    // which dominates the decoding of large files.
+    const size_t start = out.size();
+    out.resize(start + text.size());
+    wchar_t* dst = out.data() + start;
     const size_t n = text.size();
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
     size_t i = 0;
     while (i < n) {
-        // Runs of ASCII are the common case: copy them without the general decoder.
-        const auto b = static_cast<unsigned char>(text[i]);
-        if (b < 0x80) {
-            out.push_back(static_cast<wchar_t>(b));
-            ++i;
+        // Runs of ASCII are the common case: eight bytes at a time while none has its top bit set.
+        while (n - i >= 8) {
+            uint64_t word;
+            std::memcpy(&word, bytes + i, 8);
+            if (word & 0x8080808080808080ull)
+                break;
+            for (int k = 0; k < 8; ++k)
+                dst[k] = static_cast<wchar_t>(bytes[i + k]);
+            dst += 8;
+            i += 8;
+        }
+        if (i == n)
+            break;
+        if (bytes[i] < 0x80) {
+            *dst++ = static_cast<wchar_t>(bytes[i++]);
             continue;
         }
         const long cp = decodeOne(text, i);
         if (cp < 0) {
-            out.push_back(static_cast<wchar_t>(0xFFFD));
+            *dst++ = static_cast<wchar_t>(0xFFFD);
             ++i;
         } else {
-            out.push_back(static_cast<wchar_t>(cp));
+            *dst++ = static_cast<wchar_t>(cp);
         }
     }
+    out.resize(static_cast<size_t>(dst - out.data()));
 }
 
 }  // namespace kx

@@ -1,0 +1,152 @@
+#include "TimerManager.h"
+
+#include <algorithm>
+
+// ---- se_sdk_timers::Timer
+
+namespace se_sdk_timers {
+
+void Timer::Start() {
+    Stop();
+    if (clients_.empty())
+        return;
+    handle_ = TimerManager::Instance().backend().create(interval_, this);
+}
+
+void Timer::Stop() {
+    if (!handle_)
+        return;
+    void* handle = handle_;
+    handle_ = nullptr;
+    TimerManager::Instance().backend().destroy(handle);
+}
+
+bool Timer::contains(const TimerClient* client) const {
+    return std::find(clients_.begin(), clients_.end(), client) != clients_.end();
+}
+
+void Timer::OnTimer() {
+    // Clients may start, stop or destroy themselves and each other from inside OnTimer(): the snapshot
+    // fixes who is called this tick, the membership test skips whoever left meanwhile.
+    const std::vector<TimerClient*> snapshot = clients_;
+    for (TimerClient* client : snapshot) {
+        if (!contains(client))
+            continue;
+        const bool keep = client->OnTimer();
+        if (retired_)
+            return;
+        if (!keep)
+            std::erase(clients_, client);
+    }
+    if (clients_.empty())
+        Stop();
+}
+
+}  // namespace se_sdk_timers
+
+// ---- TimerManager
+
+TimerManager& TimerManager::Instance() {
+    static TimerManager manager;
+    return manager;
+}
+
+// The platform backend is a static of its own, constructed before the manager and so destroyed after it:
+// the manager's destructor still removes its timers through it.
+TimerManager::TimerManager() : backend_(&kx::platformTimerBackend()) {}
+
+TimerManager::~TimerManager() {
+    for (auto& group : groups_)
+        group.Stop();
+    for (auto& group : retired_)
+        group.Stop();
+}
+
+void TimerManager::RegisterClient(TimerClient* client, int intervalMs) {
+    auto group = std::find_if(groups_.begin(), groups_.end(),
+                              [&](const se_sdk_timers::Timer& g) { return g.interval() == intervalMs; });
+    if (group != groups_.end()) {
+        if (group->contains(client))
+            return;
+        group->clients_.push_back(client);
+        if (!group->isRunning())
+            group->Start();
+        return;
+    }
+    auto& created = groups_.emplace_back(intervalMs);
+    created.clients_.push_back(client);
+    created.Start();
+}
+
+void TimerManager::UnRegisterClient(TimerClient* client) {
+    auto group =
+        std::find_if(groups_.begin(), groups_.end(), [&](const se_sdk_timers::Timer& g) { return g.contains(client); });
+    if (group == groups_.end())
+        return;
+    auto& clients = group->clients_;
+    clients.erase(std::find(clients.begin(), clients.end(), client));
+    if (!clients.empty())
+        return;
+    group->Stop();
+    if (tickDepth_ == 0) {
+        groups_.erase(group);
+        return;
+    }
+    group->retired_ = true;
+    retired_.splice(retired_.end(), groups_, group);
+}
+
+void TimerManager::OnTimer(void* handle) noexcept {
+    if (!handle)
+        return;
+    auto group = std::find_if(groups_.begin(), groups_.end(),
+                              [&](const se_sdk_timers::Timer& g) { return g.handle_ == handle; });
+    if (group == groups_.end())
+        return;
+    ++tickDepth_;
+    try {
+        group->OnTimer();
+    } catch (...) {
+        // A client that throws ends this tick; the group keeps its clients and its rhythm.
+    }
+    if (--tickDepth_ == 0)
+        retired_.clear();
+}
+
+TimerManager::Census TimerManager::census() const {
+    Census c;
+    for (const auto& group : groups_) {
+        ++c.groups;
+        c.runningGroups += group.isRunning() ? 1 : 0;
+        c.registrations += static_cast<int>(group.clients().size());
+    }
+    return c;
+}
+
+bool TimerManager::isRegistered(const TimerClient* client) const {
+    return std::any_of(groups_.begin(), groups_.end(),
+                       [&](const se_sdk_timers::Timer& g) { return g.contains(client); });
+}
+
+kx::TimerBackend& TimerManager::setBackend(kx::TimerBackend& backend) {
+    kx::TimerBackend& previous = *backend_;
+    std::vector<se_sdk_timers::Timer*> moved;
+    for (auto& group : groups_) {
+        if (group.isRunning()) {
+            group.Stop();
+            moved.push_back(&group);
+        }
+    }
+    backend_ = &backend;
+    for (auto* group : moved)
+        group->Start();
+    return previous;
+}
+
+// ---- TimerClient
+
+TimerClient::~TimerClient() {
+    TimerManager& manager = TimerManager::Instance();
+    while (manager.isRegistered(this))
+        manager.UnRegisterClient(this);
+}

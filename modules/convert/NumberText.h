@@ -1,0 +1,106 @@
+// Number and colour text: a numeric value and its text form joined in both directions, so that a text
+// entry and a numeric control can edit the same value. Writing the number rewrites the text; writing the
+// text parses it and writes the number. A change of a limit alone recomputes nothing; limits take effect
+// at the next change of the value or the text.
+//
+// Text typed within the limits is left as typed. A host that echoes the value written from the text
+// back into the value pin would have it reformatted at once, so the integer and float modules ignore
+// that echo while they write the value.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "MpGuiBase2.h"
+
+namespace kx {
+
+// The leading base-10 integer of a text: white space, an optional sign, digits up to the first other
+// character ("12abc" is 12). Nothing when the text does not begin with a number or the number does not
+// fit in 32 bits.
+std::optional<int> parseLeadingInt(std::wstring_view text);
+// The leading floating point number of a text: white space, sign, decimal or exponent notation, the
+// spellings inf, infinity and nan; trailing characters ignored. Independent of the process locale (the
+// point is always '.'). Nothing when there is no number or it is out of the float range.
+std::optional<float> parseLeadingFloat(std::wstring_view text);
+// General notation as a stream prints it with the given precision (significant digits; trailing zeros
+// and point dropped; exponent form when the exponent is below -4 or at least the precision). Precision 0
+// counts as 1, a negative one as 6. Independent of the process locale.
+std::wstring formatGeneral(float value, int precision);
+// Eight lower-case hex digits, alpha, red, green, blue; each channel clamped to 0..1 and scaled by 255
+// truncating (0.5 gives 7f).
+std::wstring formatArgb(float alpha, float red, float green, float blue);
+
+}  // namespace kx
+
+struct Int2TxtCPin {
+    enum : int { Value, Minimum, Maximum, Text, Count };
+};
+struct Float2TxtCPin {
+    enum : int { Value, Minimum, Maximum, Decimals, Text, Count };
+};
+struct ARGB2StrPin {
+    enum : int { Alpha, Red, Green, Blue, Text, Count };
+};
+
+// An integer with limits and its decimal text. Text the user typed that lies within the limits is left
+// as typed ("007" stays while the value becomes 7); out-of-limit text is replaced by the limit.
+class KX_Int2TxtC : public SeGuiInvisibleBase {
+public:
+    KX_Int2TxtC();
+    // Writes the text of the clamped value; the value pin itself keeps what it was given.
+    void onSetVal();
+    // Text that does not begin with a number writes nothing.
+    void onSetTxt();
+
+    MpGuiPin<int> value;
+    MpGuiPin<int> minimum;
+    MpGuiPin<int> maximum;
+    StringGuiPin text;
+
+private:
+    bool reentering_ = false;
+};
+
+// A float with limits and its text with a precision. The decimals pin d sets the precision to d + 1
+// significant digits in general notation, which gives exactly d digits after the point only for
+// magnitudes from 1 to just under 10 (with d = 2: 1.2345 -> 1.23, 12.345 -> 12.3, 1234.5 -> 1.23e+03).
+// That is the module's behaviour, relied on by existing patches; it is not fixed notation.
+class KX_Float2TxtC : public SeGuiInvisibleBase {
+public:
+    KX_Float2TxtC();
+    // Also runs when the decimals change. Writes the text of the clamped value; the value pin keeps what
+    // it was given.
+    void onSetVal();
+    // Text that is not a number writes nothing; a NaN text passes the limits and reaches the value.
+    void onSetTxt();
+
+    MpGuiPin<float> value;
+    MpGuiPin<float> minimum;
+    MpGuiPin<float> maximum;
+    MpGuiPin<int> decimals;
+    StringGuiPin text;
+
+private:
+    std::wstring format(float v) const;
+    bool reentering_ = false;
+};
+
+// Four colour channels (0 to 1) and the hexadecimal ARGB colour text that colour pins carry.
+// Parsing is deliberately literal: the text is one hexadecimal number (an optional 0x is accepted), so a
+// six-digit text such as ff8000 has alpha 0, a leading '#' stops the parse at once and gives all four
+// channels 0, and text without hex digits gives 0. A NaN channel counts as 0.
+class KX_ARGB2Str : public SeGuiInvisibleBase {
+public:
+    KX_ARGB2Str();
+    void onSetARGB();
+    // Writes the channels that changed; the text is not rewritten.
+    void onSetString();
+
+    MpGuiPin<float> alpha;
+    MpGuiPin<float> red;
+    MpGuiPin<float> green;
+    MpGuiPin<float> blue;
+    StringGuiPin text;
+};

@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+#include "HostedModule.h"
+#include "logic/Increments.h"
+
+using kxtest::Hosted;
+
+namespace {
+
+// Sends delta 1 (or the given delta) n times and returns the integer values the pin held after each.
+std::vector<int> walk(Hosted<KX_IntInc>& h, int n, float delta = 1.0f) {
+    std::vector<int> values;
+    for (int i = 0; i < n; ++i) {
+        h.send(IntIncPin::Delta, delta);
+        values.push_back(h.module.value.value);
+    }
+    return values;
+}
+
+void setUp(Hosted<KX_IntInc>& h, int value, int lo, int hi, float step) {
+    h.send(IntIncPin::Minimum, lo);
+    h.send(IntIncPin::Maximum, hi);
+    h.send(IntIncPin::Step, step);
+    h.send(IntIncPin::Value, value);
+}
+
+}  // namespace
+
+TEST(IntInc, FractionalStepsAccumulate) {
+    Hosted<KX_IntInc> h;
+    setUp(h, 3, 0, 10, 0.4f);
+    EXPECT_EQ(walk(h, 3), (std::vector<int>{3, 3, 4}));
+    EXPECT_EQ(h.host.on(IntIncPin::Value).size(), 1u);
+}
+
+// The host echoes the written value back into pin 0. If the echo reset the accumulator, 4.2 would become
+// 4.0 and the next two steps of 0.4 would stay at 4 instead of reaching 5.
+TEST(IntInc, EchoOfItsOwnWriteKeepsTheFraction) {
+    Hosted<KX_IntInc> h;
+    setUp(h, 3, 0, 10, 0.4f);
+    h.echoTransmissions();
+    EXPECT_EQ(walk(h, 5), (std::vector<int>{3, 3, 4, 4, 5}));
+}
+
+TEST(IntInc, AValueFromElsewhereRestartsTheAccumulator) {
+    Hosted<KX_IntInc> h;
+    setUp(h, 3, 0, 10, 0.4f);
+    walk(h, 2);  // accumulator 3.8
+    h.send(IntIncPin::Value, 7);
+    EXPECT_EQ(walk(h, 3), (std::vector<int>{7, 7, 8}));
+}
+
+TEST(IntInc, LimitsClampTheAccumulatorAndValuesTruncateTowardZero) {
+    Hosted<KX_IntInc> h;
+    setUp(h, 9, 0, 10, 1.0f);
+    EXPECT_EQ(walk(h, 3), (std::vector<int>{10, 10, 10}));
+    EXPECT_EQ(walk(h, 1, -1.0f), (std::vector<int>{9}));  // back from the limit at once
+
+    Hosted<KX_IntInc> neg;
+    setUp(neg, 0, -5, 5, 0.25f);
+    EXPECT_EQ(walk(neg, 4, -1.0f), (std::vector<int>{0, 0, 0, -1}));
+}
+
+TEST(IntInc, ZeroDeltaDoesNothingButNaNIsProcessed) {
+    Hosted<KX_IntInc> h;
+    setUp(h, 3, 0, 10, 0.4f);
+    walk(h, 1);          // 3.4
+    walk(h, 5, 0.0f);    // nothing, the fraction stays
+    walk(h, 1, -0.0f);   // equal to 0 as well
+    EXPECT_EQ(walk(h, 2), (std::vector<int>{3, 4}));
+    EXPECT_TRUE(h.host.on(IntIncPin::Value).size() == 1u);
+    walk(h, 1, std::numeric_limits<float>::quiet_NaN());
+    EXPECT_EQ(h.module.value.value, std::numeric_limits<int>::min());
+}
+
+TEST(FloatInc, ClampsAtTheMaximumAndThenSendsNothing) {
+    using P = FloatIncPin;
+    Hosted<KX_FloatInc> h;
+    h.send(P::Maximum, 1.0f);
+    h.send(P::Step, 0.2f);
+    h.send(P::Value, 0.9f);
+    h.send(P::Delta, 1.0f);
+    EXPECT_FLOAT_EQ(h.module.value.value, 1.0f);
+    h.send(P::Delta, 1.0f);
+    EXPECT_EQ(h.host.on(P::Value).size(), 1u);
+    h.send(P::Delta, -2.0f);
+    EXPECT_FLOAT_EQ(h.module.value.value, 0.6f);
+
+    h.send(P::Minimum, 5.0f);  // minimum above maximum: the minimum wins
+    h.send(P::Delta, 1.0f);
+    EXPECT_FLOAT_EQ(h.module.value.value, 5.0f);
+}
+
+TEST(PMInc, StaysWithinZeroAndOne) {
+    using P = PMIncPin;
+    Hosted<KX_PMInc> h;
+    h.send(P::Step, 0.1f);
+    h.send(P::Value, 0.05f);
+    h.send(P::Delta, -1.0f);
+    EXPECT_FLOAT_EQ(h.module.value.value, 0.0f);
+    h.send(P::Delta, 25.0f);
+    EXPECT_FLOAT_EQ(h.module.value.value, 1.0f);
+    h.send(P::Delta, 0.0f);
+    EXPECT_EQ(h.host.on(P::Value).size(), 2u);
+}

@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "HostedModule.h"
+#include "TempFolder.h"
+#include "convert/TextFiles.h"
+
+using kxtest::Hosted;
+using kxtest::TempFolder;
+using P = TextFilePin;
+
+namespace {
+
+std::wstring wide(const std::filesystem::path& p) { return kx::fromUtf8(p.string()); }
+
+void trigger(Hosted<KX_StringLoader>& h) {
+    h.send(P::Trigger, true);
+    h.send(P::Trigger, false);
+}
+void trigger(Hosted<KX_StringSaver>& h) {
+    h.send(P::Trigger, true);
+    h.send(P::Trigger, false);
+}
+
+}  // namespace
+
+TEST(StringLoader, LoadsTheWholeFileOnTheRisingTrigger) {
+    TempFolder dir;
+    dir.write("abc.txt", "abc\n");
+    Hosted<KX_StringLoader> h;
+    h.host.offerFirstGeneration = false;  // names are taken as given
+    h.sendText(P::FileNameL, wide(dir / "abc.txt"));
+    EXPECT_TRUE(h.host.sent.empty());  // not automatic: the name alone loads nothing
+    h.send(P::Trigger, true);
+    ASSERT_EQ(h.host.on(P::Text).size(), 1u);
+    EXPECT_EQ(h.host.on(P::Text)[0].asText(), L"abc\n");
+
+    dir.write("abc.txt", "changed");
+    h.send(P::Trigger, false);  // the fall does nothing
+    EXPECT_EQ(h.module.text.value, L"abc\n");
+}
+
+TEST(StringLoader, EmptyNameMissingFileOrFolderLeaveTheTextAlone) {
+    TempFolder dir;
+    Hosted<KX_StringLoader> h;
+    h.host.offerFirstGeneration = false;
+    trigger(h);  // no file name yet
+    h.module.text = L"before";
+    h.host.sent.clear();
+    h.sendText(P::FileNameL, wide(dir / "missing.txt"));
+    trigger(h);
+    h.sendText(P::FileNameL, wide(dir.path()));
+    trigger(h);
+    EXPECT_TRUE(h.host.sent.empty());
+    EXPECT_EQ(h.module.text.value, L"before");
+
+    dir.write("empty.txt", "");
+    h.sendText(P::FileNameL, wide(dir / "empty.txt"));
+    trigger(h);
+    EXPECT_EQ(h.module.text.value, L"");  // an empty file is an empty text
+}
+
+TEST(StringLoader, InvalidUtf8BytesBecomeReplacementCharactersAndTheRestLoads) {
+    TempFolder dir;
+    dir.write("mixed.txt", "caf\xE9 ok \xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xB5\r\nend\xE2\x82");
+    Hosted<KX_StringLoader> h;
+    h.host.offerFirstGeneration = false;
+    h.sendText(P::FileNameL, wide(dir / "mixed.txt"));
+    trigger(h);
+    EXPECT_EQ(h.module.text.value, L"caf\uFFFD ok \u00E9\u20AC\U0001F3B5\r\nend\uFFFD\uFFFD");
+}
+
+TEST(StringLoader, NamesAreResolvedThroughTheHostsResourceFolder) {
+    TempFolder dir;
+    dir.write("notes.txt", "from resources");
+    Hosted<KX_StringLoader> h;
+    h.host.resourceFolder = wide(dir.path()) + L"/";
+    h.sendText(P::FileNameR, L"notes.txt");
+    EXPECT_EQ(h.module.currentFileName(), wide(dir / "notes.txt"));
+    trigger(h);
+    EXPECT_EQ(h.module.text.value, L"from resources");
+}
+
+TEST(StringLoader, AutomaticModeLoadsWhicheverNamePinChangedLast) {
+    TempFolder dir;
+    dir.write("left.txt", "L");
+    dir.write("right.txt", "R");
+    Hosted<KX_StringLoader> h;
+    h.host.offerFirstGeneration = false;
+    h.send(P::Automatic, true);
+    h.sendText(P::FileNameL, wide(dir / "left.txt"));
+    EXPECT_EQ(h.module.text.value, L"L");
+    h.sendText(P::FileNameR, wide(dir / "right.txt"));
+    EXPECT_EQ(h.module.text.value, L"R");
+    dir.write("left.txt", "L2");
+    h.sendText(P::FileNameL, wide(dir / "left.txt"));  // the same text again still re-reads
+    EXPECT_EQ(h.module.text.value, L"L2");
+}
+
+TEST(StringSaver, WritesTheTextAsUtf8WithNothingAdded) {
+    TempFolder dir;
+    Hosted<KX_StringSaver> h;
+    h.sendText(P::Text, L"h\u00E9llo \U0001F3B5\r\n");
+    h.sendText(P::FileNameL, wide(dir / "out.txt"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "out.txt"));
+    trigger(h);
+    EXPECT_EQ(dir.read("out.txt"), "h\xC3\xA9llo \xF0\x9F\x8E\xB5\r\n");
+
+    // Round trip through the loader.
+    Hosted<KX_StringLoader> loader;
+    loader.host.offerFirstGeneration = false;
+    loader.sendText(P::FileNameL, wide(dir / "out.txt"));
+    trigger(loader);
+    EXPECT_EQ(loader.module.text.value, L"h\u00E9llo \U0001F3B5\r\n");
+}
+
+TEST(StringSaver, EmptyOrUnencodableTextNeverTouchesTheFile) {
+    TempFolder dir;
+    dir.write("keep.txt", "keep");
+    Hosted<KX_StringSaver> h;
+    h.sendText(P::FileNameL, wide(dir / "keep.txt"));
+    h.sendText(P::Text, L"x");
+    h.sendText(P::Text, L"");
+    trigger(h);
+    EXPECT_EQ(dir.read("keep.txt"), "keep");
+    h.sendText(P::Text, std::wstring(L"a") + static_cast<wchar_t>(0xDC00));
+    trigger(h);
+    EXPECT_EQ(dir.read("keep.txt"), "keep");
+}
+
+TEST(StringSaver, AutomaticModeSavesOnNameOrSwitchButNotOnText) {
+    TempFolder dir;
+    Hosted<KX_StringSaver> h;
+    h.sendText(P::FileNameL, wide(dir / "a.txt"));
+    h.send(P::Automatic, true);  // switched on with a name but no text: nothing to write
+    EXPECT_FALSE(std::filesystem::exists(dir / "a.txt"));
+    h.sendText(P::Text, L"one");
+    EXPECT_FALSE(std::filesystem::exists(dir / "a.txt"));  // a new text does not save
+    h.sendText(P::FileNameR, wide(dir / "b.txt"));
+    EXPECT_EQ(dir.read("b.txt"), "one");
+    h.sendText(P::Text, L"two");
+    h.send(P::Automatic, false);
+    h.send(P::Automatic, true);  // switching on saves
+    EXPECT_EQ(dir.read("b.txt"), "two");
+    EXPECT_FALSE(std::filesystem::exists(dir / "a.txt"));
+}
+
+TEST(StringSaver, RelativeNamesAreRelativeToTheWorkingFolderNotResolved) {
+    TempFolder dir;
+    const auto previous = std::filesystem::current_path();
+    std::filesystem::current_path(dir.path());
+    Hosted<KX_StringSaver> h;
+    h.host.resourceFolder = L"/nonexistent/";
+    h.sendText(P::Text, L"here");
+    h.sendText(P::FileNameL, L"rel.txt");
+    trigger(h);
+    std::filesystem::current_path(previous);
+    EXPECT_EQ(dir.read("rel.txt"), "here");
+}
