@@ -8,6 +8,7 @@
 #include "Bundle.h"
 #include "Catalogue.h"
 #include "Error.h"
+#include "Graphics.h"
 #include "Session.h"
 #include "Validate.h"
 
@@ -88,7 +89,9 @@ int main(int argc, char** argv) {
     auto* runCmd = app.add_subcommand("run", "run a patch and its scenario, printing every pin transmission");
     runCmd->add_option("PATCH", patchFile, "the patch file")->required();
     std::string output;
-    runCmd->add_option("--output", output, "folder for files the run writes (default: the current folder)");
+    runCmd->add_option("--out,--output", output,
+                       "folder the run writes its files (snapshot PNGs) into, made if missing (default: the current "
+                       "folder)");
     auto* listCmd =
         app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
     validate::Options validateOptions;
@@ -104,8 +107,16 @@ int main(int argc, char** argv) {
     CLI11_PARSE(app, argc, argv);
 
     try {
-        if (*runCmd)
+        if (*runCmd) {
+            if (!output.empty()) {
+                std::error_code ec;
+                std::filesystem::create_directories(output, ec);
+                if (!std::filesystem::is_directory(output))
+                    throw HostError("cannot make the output folder " + output);
+                snapshotFolder() = output;
+            }
             return run(paths, patchFile, output);
+        }
         if (*listCmd)
             return list(paths);
         if (*validateCmd)

@@ -1,0 +1,66 @@
+#include "ImageBase.h"
+
+#include "TextCodec.h"
+#include "gmpi/IMpContextItemSink.h"
+#include "it_enum_list.h"
+
+int32_t ImageBase::populateContextMenu(float, float, gmpi::IMpUnknown* contextMenuItemsSink) {
+    auto sink = gmpi_sdk::queryAs<gmpi::IMpContextItemSink>(contextMenuItemsSink, gmpi::MP_IID_CONTEXT_ITEMS_SINK);
+    if (!sink)
+        return gmpi::MP_FAIL;
+    it_enum_list it(pinMenuItems.getValue());
+    for (it.First(); !it.IsDone(); it.Next())
+        sink->AddItem(kx::toUtf8(it.CurrentItem()->text).c_str(), it.CurrentItem()->id, 0);
+    return gmpi::MP_OK;
+}
+
+int32_t ImageBase::onContextMenu(int32_t selection) {
+    pinMenuSelection = selection;
+    pinMenuSelection = -1;
+    return gmpi::MP_OK;
+}
+
+int32_t ImageBase::writeToolTip(gmpi::IString* returnString) {
+    const std::wstring hint = getHint();
+    if (!returnString || hint.empty())
+        return gmpi::MP_FAIL;
+    const std::string utf8 = kx::toUtf8(hint);
+    returnString->setData(utf8.data(), static_cast<int32_t>(utf8.size()));
+    return gmpi::MP_OK;
+}
+
+int32_t ImageBase::getToolTip(float, float, gmpi::IMpUnknown* returnString) {
+    auto s = gmpi_sdk::queryAs<gmpi::IString>(returnString, gmpi::MP_IID_RETURNSTRING);
+    return writeToolTip(s.get());
+}
+
+int32_t ImageBase::getToolTip(GmpiDrawing_API::MP1_POINT, gmpi::IString* returnString) {
+    return writeToolTip(returnString);
+}
+
+int32_t ImageBase::OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) {
+    GmpiDrawing::Graphics g(drawingContext);
+    renderBitmap(g, {0, 0});
+    return gmpi::MP_OK;
+}
+
+int32_t ImageBase::onPointerUp(int32_t, GmpiDrawing_API::MP1_POINT) {
+    if (!getCapture())
+        return gmpi::MP_FAIL;
+    releaseCapture();
+    pinMouseDown = false;
+    return gmpi::MP_OK;
+}
+
+void ImageBase::calcDrawAt() {
+    if (skinBitmap::calcDrawAt(getAnimationPos()))
+        invalidateRect();
+}
+
+void ImageBase::onSetFilename() {
+    Load(getHost(), getGuiHost(), kx::toUtf8(pinFilename.getValue()).c_str());
+    onLoaded();
+    skinBitmap::calcDrawAt(getAnimationPos());
+    invalidateMeasure();
+    invalidateRect();
+}

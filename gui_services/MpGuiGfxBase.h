@@ -1,0 +1,143 @@
+// The base of every GUI module that draws itself: the host measures, arranges and paints it, sends it
+// pointer events and asks it for hit tests and tool tips through its graphics face; the module asks the
+// graphics host for repaints and pointer capture.
+#pragma once
+
+#include "MpCountedPtr.h"
+#include "MpGuiBase2.h"
+#include "gmpi/IMpGraphics.h"
+#include "gmpi/IMpGraphicsHost.h"
+
+namespace gmpi_gui {
+template <class T> class GuardedGfx;
+
+class MpGuiGfxBase : public MpGuiBase2 {
+public:
+    // Objects the factory creates are wrapped so that the graphics entries are guarded too.
+    template <class T> using Guard = GuardedGfx<T>;
+
+    MpGuiGfxBase() = default;
+    MpGuiGfxBase(const MpGuiGfxBase&) = delete;
+    MpGuiGfxBase& operator=(const MpGuiGfxBase&) = delete;
+    ~MpGuiGfxBase() override = default;
+
+    // Both faces share the module's one reference count.
+    int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
+    int32_t addRef() override { return static_cast<int32_t>(++refCount_); }
+    int32_t release() override;
+    // Looks up the graphics host before the base's host lookup; a host without one leaves it null.
+    int32_t setHost(gmpi::IMpUnknown* host) override;
+
+    // Graphics operations; the graphics face forwards each to these.
+    // Desired size = the available size, each dimension at least 1 (NaN counts as less).
+    virtual int32_t measure(GmpiDrawing_API::MP1_SIZE availableSize, GmpiDrawing_API::MP1_SIZE* returnDesiredSize);
+    // Stores the rectangle and repaints, only when a coordinate changed.
+    virtual int32_t arrange(GmpiDrawing_API::MP1_RECT finalRect);
+    virtual int32_t OnRender(GmpiDrawing_API::IMpDeviceContext*) { return gmpi::MP_OK; }
+    // The pointer answers follow hitTest, so a module that only overrides hitTest answers consistently.
+    virtual int32_t onPointerDown(int32_t, GmpiDrawing_API::MP1_POINT point) { return hitTest(point); }
+    virtual int32_t onPointerMove(int32_t, GmpiDrawing_API::MP1_POINT point) { return hitTest(point); }
+    virtual int32_t onPointerUp(int32_t, GmpiDrawing_API::MP1_POINT point) { return hitTest(point); }
+    virtual int32_t hitTest(GmpiDrawing_API::MP1_POINT) { return gmpi::MP_OK; }
+    virtual int32_t getToolTip(GmpiDrawing_API::MP1_POINT, gmpi::IString*) { return gmpi::MP_FAIL; }
+    using MpGuiBase2::getToolTip;
+
+    IMpGraphicsHost* getGuiHost() const { return graphicsHost_.get(); }
+    const GmpiDrawing_API::MP1_RECT& getRect() const { return rect_; }
+
+protected:
+    // Repaints the whole module; nothing without a graphics host.
+    void invalidateRect() {
+        if (graphicsHost_)
+            graphicsHost_->invalidateRect(nullptr);
+    }
+    void invalidateMeasure() {
+        if (graphicsHost_)
+            graphicsHost_->invalidateMeasure();
+    }
+    void setCapture() {
+        if (graphicsHost_)
+            graphicsHost_->setCapture();
+    }
+    bool getCapture() const {
+        int32_t captured = 0;
+        if (graphicsHost_)
+            graphicsHost_->getCapture(captured);
+        return captured != 0;
+    }
+    void releaseCapture() {
+        if (graphicsHost_)
+            graphicsHost_->releaseCapture();
+    }
+
+    gmpi_sdk::mp_shared_ptr<IMpGraphicsHost> graphicsHost_;
+    GmpiDrawing_API::MP1_RECT rect_{0, 0, 0, 0};
+
+private:
+    // The graphics face the host holds: every entry is the module's own virtual of the same name.
+    class GraphicsFace final : public gmpi_gui_api::IMpGraphics2 {
+    public:
+        explicit GraphicsFace(MpGuiGfxBase& module) : module_(module) {}
+        int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override { return module_.queryInterface(iid, out); }
+        int32_t addRef() override { return module_.addRef(); }
+        int32_t release() override { return module_.release(); }
+        int32_t measure(GmpiDrawing_API::MP1_SIZE available, GmpiDrawing_API::MP1_SIZE* desired) override {
+            return module_.measure(available, desired);
+        }
+        int32_t arrange(GmpiDrawing_API::MP1_RECT r) override { return module_.arrange(r); }
+        int32_t OnRender(GmpiDrawing_API::IMpDeviceContext* dc) override { return module_.OnRender(dc); }
+        int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
+            return module_.onPointerDown(flags, p);
+        }
+        int32_t onPointerMove(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
+            return module_.onPointerMove(flags, p);
+        }
+        int32_t onPointerUp(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
+            return module_.onPointerUp(flags, p);
+        }
+        int32_t hitTest(GmpiDrawing_API::MP1_POINT p) override { return module_.hitTest(p); }
+        int32_t getToolTip(GmpiDrawing_API::MP1_POINT p, gmpi::IString* s) override {
+            return module_.getToolTip(p, s);
+        }
+
+    private:
+        MpGuiGfxBase& module_;
+    };
+
+    GraphicsFace graphicsFace_{*this};
+    uint32_t refCount_ = 1;
+};
+
+// The factory's wrapper of graphic modules: the GUI entries as kx::GuardedGui guards them, plus every
+// graphics entry, so nothing a module throws while drawing or handling the pointer reaches the host.
+template <class T>
+class GuardedGfx : public kx::GuardedGui<T> {
+public:
+    int32_t measure(GmpiDrawing_API::MP1_SIZE available, GmpiDrawing_API::MP1_SIZE* desired) override {
+        return kx::guarded([&] { return T::measure(available, desired); });
+    }
+    int32_t arrange(GmpiDrawing_API::MP1_RECT r) override {
+        return kx::guarded([&] { return T::arrange(r); });
+    }
+    int32_t OnRender(GmpiDrawing_API::IMpDeviceContext* dc) override {
+        return kx::guarded([&] { return T::OnRender(dc); });
+    }
+    int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
+        return kx::guarded([&] { return T::onPointerDown(flags, p); });
+    }
+    int32_t onPointerMove(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
+        return kx::guarded([&] { return T::onPointerMove(flags, p); });
+    }
+    int32_t onPointerUp(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
+        return kx::guarded([&] { return T::onPointerUp(flags, p); });
+    }
+    int32_t hitTest(GmpiDrawing_API::MP1_POINT p) override {
+        return kx::guarded([&] { return T::hitTest(p); });
+    }
+    int32_t getToolTip(GmpiDrawing_API::MP1_POINT p, gmpi::IString* s) override {
+        return kx::guarded([&] { return T::getToolTip(p, s); });
+    }
+    using kx::GuardedGui<T>::getToolTip;
+};
+
+}  // namespace gmpi_gui
