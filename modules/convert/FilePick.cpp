@@ -124,13 +124,12 @@ void KX_FileBrowser::onSetChoice() {
     if (index < 0 || index >= entryCount_)
         return;
     // A copy: writing a pin lets the host call back into this module, which may list anew.
-    const fs::directory_entry entry = entries_[static_cast<size_t>(index)];
-    std::error_code ec;
-    if (entry.is_directory(ec)) {
-        showFolder(entry.path());
+    const Entry entry = entries_[static_cast<size_t>(index)];
+    if (entry.folder) {
+        showFolder(entry.path);
         scan();
     } else {
-        chosenFile = toText(entry.path().native());
+        chosenFile = toText(entry.path);
     }
 }
 
@@ -142,7 +141,7 @@ void KX_FileBrowser::onSetFNameOut() {
     if (!path)
         return;
     for (size_t i = 0; i < entries_.size(); ++i) {
-        if (entries_[i].path().native() == *path && choice != static_cast<int>(i))
+        if (entries_[i].path == *path && choice != static_cast<int>(i))
             choice = static_cast<int>(i);
     }
 }
@@ -168,7 +167,8 @@ void KX_FileBrowser::scan() {
         std::error_code typeError;
         const bool isFolder = entry.is_directory(typeError);
         // The iterator's paths are the folder joined with the bare name.
-        std::string_view name = entry.path().native();
+        const std::string& fullPath = entry.path().native();
+        std::string_view name = fullPath;
         if (const size_t slash = name.rfind('/'); slash != std::string_view::npos)
             name.remove_prefix(slash + 1);
         const size_t dot = name.rfind('.');
@@ -190,10 +190,10 @@ void KX_FileBrowser::scan() {
         if (isFolder)
             list += L'/';
 
-        entries_.push_back(entry);
+        entries_.push_back({fullPath, isFolder});
         ++entryCount_;
         separator = true;
-        if (chosen && !chosen->empty() && entry.path().native() == *chosen && choice != entryCount_ - 1)
+        if (chosen && !chosen->empty() && fullPath == *chosen && choice != entryCount_ - 1)
             choice = entryCount_ - 1;
     }
     itemList = std::move(list);

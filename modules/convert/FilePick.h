@@ -65,8 +65,15 @@ private:
     void showFolder(const std::filesystem::path& path);
     void clearChoice();
 
+    // One listed item: its full path as the folder iterator gave it, and whether it is a folder
+    // (following symbolic links), as found when it was listed.
+    struct Entry {
+        std::string path;
+        bool folder;
+    };
+
     std::filesystem::path currentPath_;
-    std::vector<std::filesystem::directory_entry> entries_;
+    std::vector<Entry> entries_;
     int32_t entryCount_ = 0;
     std::wstring filter_;  // empty, or "." and the extension
     // The filter as the bytes a file name ends with; nullopt when the filter text has values that are
