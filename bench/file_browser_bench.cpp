@@ -86,9 +86,7 @@ public:
     int32_t reserved2() override { return gmpi::MP_NOSUPPORT; }
 };
 
-void setItems(benchmark::State& state) {
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kEntries);
-}
+void setItems(benchmark::State& state) { state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kEntries); }
 
 // Baseline: iterate the folder, take each entry's name and whether it is a folder.
 void PlainDirectoryIteration(benchmark::State& state) {

@@ -286,6 +286,6 @@ void KX_FileReq::OnFileDialogComplete(int32_t result) {
 }
 
 namespace {
-const bool registered = gmpi::Register<KX_FileBrowser>::withId(L"KX_FileBrowser") &&
-                        gmpi::Register<KX_FileReq>::withId(L"KX_FileReq");
+const bool registered =
+    gmpi::Register<KX_FileBrowser>::withId(L"KX_FileBrowser") && gmpi::Register<KX_FileReq>::withId(L"KX_FileReq");
 }  // namespace
