@@ -1,0 +1,146 @@
+// Listing a folder of 10,000 entries through KX_FileBrowser (rescan pin -> directory iteration -> item
+// list text -> item list pin -> host) against the least any listing must do: a plain std::filesystem
+// directory iteration of the same folder that looks at each entry's name and type. The ratio of the two
+// is the browser's overhead.
+#include <benchmark/benchmark.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "TextCodec.h"
+#include "convert/FilePick.h"
+#include "gmpi/IMpUserInterfaceHost2.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kEntries = 10000;
+
+// The folder's name in plain storage, so removing it at exit does not depend on the order in which
+// static objects are destroyed.
+char samplePath[4096];
+void removeSample() {
+    std::error_code ignored;
+    fs::remove_all(samplePath, ignored);
+}
+
+// 10,000 entries as a sample library might hold: one in 20 a folder, of the files one in four a ".txt"
+// beside the ".wav" files, names of 20 to 30 characters.
+const fs::path& sampleFolder() {
+    static const fs::path path = [] {
+        auto p = fs::temp_directory_path() / ("kx_browser_bench_" + std::to_string(::getpid()));
+        fs::create_directories(p);
+        std::snprintf(samplePath, sizeof samplePath, "%s", p.c_str());
+        std::atexit(removeSample);
+        for (int i = 0; i < kEntries; ++i) {
+            char name[64];
+            if (i % 20 == 0) {
+                std::snprintf(name, sizeof name, "Folder of takes %05d", i);
+                fs::create_directory(p / name);
+            } else {
+                std::snprintf(name, sizeof name, "Sample %05d - kick %s", i, i % 4 == 0 ? "notes.txt" : "hard.wav");
+                std::ofstream(p / name) << "x";
+            }
+        }
+        return p;
+    }();
+    return path;
+}
+
+// A host that takes each transmitted value and does nothing with it, as a host whose pin has no wire.
+class QuietHost final : public gmpi::IMpUserInterfaceHost2 {
+public:
+    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
+        *out = nullptr;
+        if (iid == gmpi::MP_IID_UI_HOST2 || gmpi::isUnknownIid(iid)) {
+            *out = this;
+            return gmpi::MP_OK;
+        }
+        return gmpi::MP_NOSUPPORT;
+    }
+    int32_t addRef() override { return 1; }
+    int32_t release() override { return 1; }
+    int32_t pinTransmit(int32_t, int32_t size, const void* data, int32_t) override {
+        benchmark::DoNotOptimize(data);
+        benchmark::DoNotOptimize(size);
+        return gmpi::MP_OK;
+    }
+    int32_t sendMessageToAudio(int32_t, int32_t, const void*) override { return gmpi::MP_OK; }
+    int32_t resolveResource(const char*, const char*, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
+    int32_t openResource(const char*, gmpi::IMpUnknown**) override { return gmpi::MP_FAIL; }
+    int32_t getHandle(int32_t& h) override {
+        h = 0;
+        return gmpi::MP_OK;
+    }
+    int32_t getPinCount(int32_t& count) override {
+        count = FileBrowserPin::Count;
+        return gmpi::MP_OK;
+    }
+    int32_t reserved1() override { return gmpi::MP_NOSUPPORT; }
+    int32_t reserved2() override { return gmpi::MP_NOSUPPORT; }
+};
+
+void setItems(benchmark::State& state) { state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kEntries); }
+
+// Baseline: iterate the folder, take each entry's name and whether it is a folder.
+void PlainDirectoryIteration(benchmark::State& state) {
+    const fs::path& folder = sampleFolder();
+    for (auto _ : state) {
+        size_t folders = 0, nameBytes = 0;
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            folders += entry.is_directory() ? 1 : 0;
+            const std::string& path = entry.path().native();
+            nameBytes += path.size() - path.rfind('/') - 1;
+        }
+        benchmark::DoNotOptimize(folders);
+        benchmark::DoNotOptimize(nameBytes);
+    }
+    setItems(state);
+}
+
+void sendText(KX_FileBrowser& browser, int pin, const std::wstring& text) {
+    browser.setPin(pin, 0, static_cast<int32_t>(text.size() * sizeof(wchar_t)), text.data());
+    browser.notifyPin(pin, 0);
+}
+
+void sendBool(KX_FileBrowser& browser, int pin, bool value) {
+    browser.setPin(pin, 0, 1, &value);
+    browser.notifyPin(pin, 0);
+}
+
+// The module as a host drives it: the rescan pin rises, the folder is listed and the item list sent.
+// state.range(0) selects the filter: 0 lists everything, 1 only ".wav" files with extensions hidden.
+void BrowserRescan(benchmark::State& state) {
+    QuietHost host;
+    KX_FileBrowser browser;
+    browser.setHost(&host);
+    if (state.range(0) == 1) {
+        sendText(browser, FileBrowserPin::Extension, L"wav");
+        sendBool(browser, FileBrowserPin::HideExtensions, true);
+    }
+    sendText(browser, FileBrowserPin::Folder, kx::fromUtf8(sampleFolder().native()));
+    for (auto _ : state) {
+        state.PauseTiming();
+        browser.itemList.value.clear();  // so every round sends its list, as a changed folder would
+        sendBool(browser, FileBrowserPin::Rescan, false);
+        state.ResumeTiming();
+        sendBool(browser, FileBrowserPin::Rescan, true);
+        benchmark::DoNotOptimize(browser.itemList.value.data());
+    }
+    if (browser.itemList.value.empty())
+        state.SkipWithError("the browser listed nothing");
+    setItems(state);
+}
+
+BENCHMARK(PlainDirectoryIteration)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK(BrowserRescan)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+
+}  // namespace
+
+BENCHMARK_MAIN();
