@@ -203,8 +203,8 @@ GmpiDrawing::TextFormat FontCache::GetTextFormat(gmpi::IMpUserInterfaceHost2* ho
 }
 
 GmpiDrawing::TextFormat FontCache::AddCustomTextFormat(gmpi::IMpUserInterfaceHost2* host,
-                                                       gmpi_gui::IMpGraphicsHost* graphicsHost,
-                                                       const std::string& name, const FontMetadata* style) {
+                                                       gmpi_gui::IMpGraphicsHost* graphicsHost, const std::string& name,
+                                                       const FontMetadata* style) {
     if (!style)
         return {};
     const SkinMetadata* skin = getSkin(host);
@@ -213,8 +213,8 @@ GmpiDrawing::TextFormat FontCache::AddCustomTextFormat(gmpi::IMpUserInterfaceHos
 }
 
 GmpiDrawing::TextFormat FontCache::GetCustomTextFormat(gmpi::IMpUserInterfaceHost2* host,
-                                                       gmpi_gui::IMpGraphicsHost* graphicsHost,
-                                                       const std::string& name, const std::string& baseStyle,
+                                                       gmpi_gui::IMpGraphicsHost* graphicsHost, const std::string& name,
+                                                       const std::string& baseStyle,
                                                        const std::function<void(FontMetadata&)>& customise,
                                                        FontMetadata** metadata) {
     if (auto existing = TextFormatExists(host, graphicsHost, name, metadata))

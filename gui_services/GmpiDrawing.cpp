@@ -131,8 +131,7 @@ LinearGradientBrush Graphics_base::CreateLinearGradientBrush(Color c1, Color c2,
 }
 
 RadialGradientBrush Graphics_base::CreateRadialGradientBrush(const GradientStopCollection& stops, Point center,
-                                                             Point gradientOriginOffset, float radiusX,
-                                                             float radiusY) {
+                                                             Point gradientOriginOffset, float radiusX, float radiusY) {
     IMpRadialGradientBrush* brush = nullptr;
     if (context_) {
         const MP1_RADIAL_GRADIENT_BRUSH_PROPERTIES props{center, gradientOriginOffset, radiusX, radiusY};

@@ -70,7 +70,9 @@ struct RectBase {
     constexpr RectBase() = default;
     constexpr RectBase(T l, T t, T r, T b) : left(l), top(t), right(r), bottom(b) {}
     constexpr RectBase(MP1_RECT r)
-        : left(static_cast<T>(r.left)), top(static_cast<T>(r.top)), right(static_cast<T>(r.right)),
+        : left(static_cast<T>(r.left)),
+          top(static_cast<T>(r.top)),
+          right(static_cast<T>(r.right)),
           bottom(static_cast<T>(r.bottom)) {}
     constexpr RectBase(PointBase<T> topLeft, SizeBase<T> size)
         : left(topLeft.x), top(topLeft.y), right(topLeft.x + size.width), bottom(topLeft.y + size.height) {}
@@ -85,7 +87,9 @@ struct RectBase {
     constexpr SizeBase<T> getSize() const { return {getWidth(), getHeight()}; }
     constexpr PointBase<T> getCenter() const { return {(left + right) / 2, (top + bottom) / 2}; }
     constexpr PointBase<T> getTopLeft() const { return {left, top}; }
-    constexpr bool ContainsPoint(PointBase<T> p) const { return left <= p.x && p.x < right && top <= p.y && p.y < bottom; }
+    constexpr bool ContainsPoint(PointBase<T> p) const {
+        return left <= p.x && p.x < right && top <= p.y && p.y < bottom;
+    }
 
     constexpr void Offset(T dx, T dy) {
         left += dx;
@@ -116,9 +120,8 @@ struct Matrix3x2 : GmpiDrawing_API::MP1_MATRIX_3X2 {
     static constexpr Matrix3x2 Scale(float sx, float sy) { return {sx, 0, 0, sy, 0, 0}; }
     // This transform followed by other.
     constexpr Matrix3x2 operator*(const Matrix3x2& o) const {
-        return {_11 * o._11 + _12 * o._21,       _11 * o._12 + _12 * o._22,
-                _21 * o._11 + _22 * o._21,       _21 * o._12 + _22 * o._22,
-                _31 * o._11 + _32 * o._21 + o._31, _31 * o._12 + _32 * o._22 + o._32};
+        return {_11 * o._11 + _12 * o._21, _11 * o._12 + _12 * o._22,         _21 * o._11 + _22 * o._21,
+                _21 * o._12 + _22 * o._22, _31 * o._11 + _32 * o._21 + o._31, _31 * o._12 + _32 * o._22 + o._32};
     }
     constexpr Point TransformPoint(Point p) const { return {p.x * _11 + p.y * _21 + _31, p.x * _12 + p.y * _22 + _32}; }
 };

@@ -65,7 +65,8 @@ std::string StripPath(const std::string& path) {
 }
 
 FileDialog::FileDialog(gmpi::IMpUnknown* ownedDialog) {
-    dialog_ = gmpi_sdk::queryAs<gmpi_gui::IMpPlatformFileDialog>(ownedDialog, gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG);
+    dialog_ =
+        gmpi_sdk::queryAs<gmpi_gui::IMpPlatformFileDialog>(ownedDialog, gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG);
     if (ownedDialog)
         ownedDialog->release();
 }
@@ -101,7 +102,9 @@ void FileDialog::SetInitialFullPath(const std::string& path) {
     SetInitialDirectory(p == std::string::npos ? path : path.substr(0, p));
 }
 
-void FileDialog::ShowAsync(std::function<void(int32_t)> callback) { showWithHandler(dialog_.get(), std::move(callback)); }
+void FileDialog::ShowAsync(std::function<void(int32_t)> callback) {
+    showWithHandler(dialog_.get(), std::move(callback));
+}
 
 std::string FileDialog::GetSelectedFilename() const {
     gmpi_sdk::MpString name;
@@ -141,4 +144,3 @@ void TextEdit::SetTextSize(float size) {
 void TextEdit::ShowAsync(std::function<void(int32_t)> callback) { showWithHandler(editor_.get(), std::move(callback)); }
 
 }  // namespace GmpiGui
-

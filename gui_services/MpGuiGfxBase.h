@@ -9,12 +9,14 @@
 #include "gmpi/IMpGraphicsHost.h"
 
 namespace gmpi_gui {
-template <class T> class GuardedGfx;
+template <class T>
+class GuardedGfx;
 
 class MpGuiGfxBase : public MpGuiBase2 {
 public:
     // Objects the factory creates are wrapped so that the graphics entries are guarded too.
-    template <class T> using Guard = GuardedGfx<T>;
+    template <class T>
+    using Guard = GuardedGfx<T>;
 
     MpGuiGfxBase() = default;
     MpGuiGfxBase(const MpGuiGfxBase&) = delete;
@@ -78,7 +80,9 @@ private:
     class GraphicsFace final : public gmpi_gui_api::IMpGraphics2 {
     public:
         explicit GraphicsFace(MpGuiGfxBase& module) : module_(module) {}
-        int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override { return module_.queryInterface(iid, out); }
+        int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
+            return module_.queryInterface(iid, out);
+        }
         int32_t addRef() override { return module_.addRef(); }
         int32_t release() override { return module_.release(); }
         int32_t measure(GmpiDrawing_API::MP1_SIZE available, GmpiDrawing_API::MP1_SIZE* desired) override {
@@ -96,9 +100,7 @@ private:
             return module_.onPointerUp(flags, p);
         }
         int32_t hitTest(GmpiDrawing_API::MP1_POINT p) override { return module_.hitTest(p); }
-        int32_t getToolTip(GmpiDrawing_API::MP1_POINT p, gmpi::IString* s) override {
-            return module_.getToolTip(p, s);
-        }
+        int32_t getToolTip(GmpiDrawing_API::MP1_POINT p, gmpi::IString* s) override { return module_.getToolTip(p, s); }
 
     private:
         MpGuiGfxBase& module_;

@@ -54,8 +54,8 @@ bool skinBitmap::calcDrawAt(float v) {
     if (m.mode == ImageMetadata::Slider) {
         const float span = static_cast<float>(int64_t{m.rangeEnd} - m.rangeStart);
         const int64_t d = trunc32(v * span);
-        drawAt = trunc32(static_cast<double>((m.mouseResponse == 0 || m.mouseResponse == 5) ? m.rangeEnd - d
-                                                                                           : m.rangeStart + d));
+        drawAt = trunc32(
+            static_cast<double>((m.mouseResponse == 0 || m.mouseResponse == 5) ? m.rangeEnd - d : m.rangeStart + d));
     } else if (m.mode == ImageMetadata::BarGraph) {
         const int64_t segments = trunc32(v * (m.segmentCount + 1.0f));
         drawAt = trunc32(static_cast<double>(segments * m.rangeEnd + m.rangeStart - 1));
@@ -101,7 +101,8 @@ bool skinBitmap::bitmapHitTestLocal(GmpiDrawing_API::MP1_POINT point) {
         return true;
     if (m.mode == ImageMetadata::Slider) {
         if (!hitTestByPixel)
-            return 0.0f <= x && x <= static_cast<float>(m.frameWidth) && 0.0f <= y && y <= static_cast<float>(m.frameHeight);
+            return 0.0f <= x && x <= static_cast<float>(m.frameWidth) && 0.0f <= y &&
+                   y <= static_cast<float>(m.frameHeight);
         Rect handle(m.handleLeft, m.handleTop, m.handleRight, m.handleBottom);
         const bool horizontal = m.mouseResponse != 0;
         if (horizontal) {

@@ -108,8 +108,10 @@ class LinearBrush final : public Object<IMpLinearGradientBrush>, public Gradient
 public:
     LinearBrush(IMpFactory* f, const MP1_LINEAR_GRADIENT_BRUSH_PROPERTIES& p, const MP1_BRUSH_PROPERTIES* b,
                 const Stops& s)
-        : Object({SE_IID_LINEARGRADIENTBRUSH_MPGUI, SE_IID_BRUSH_MPGUI, SE_IID_RESOURCE_MPGUI}), GradientBase(s, b),
-          factory_(f), shape_(p) {}
+        : Object({SE_IID_LINEARGRADIENTBRUSH_MPGUI, SE_IID_BRUSH_MPGUI, SE_IID_RESOURCE_MPGUI}),
+          GradientBase(s, b),
+          factory_(f),
+          shape_(p) {}
     int32_t getFactory(IMpFactory** f) override { return f ? (*f = factory_, gmpi::MP_OK) : gmpi::MP_FAIL; }
     void SetStartPoint(MP1_POINT p) override { shape_.startPoint = p, changed(); }
     void SetEndPoint(MP1_POINT p) override { shape_.endPoint = p, changed(); }
@@ -130,8 +132,10 @@ class RadialBrush final : public Object<IMpRadialGradientBrush>, public Gradient
 public:
     RadialBrush(IMpFactory* f, const MP1_RADIAL_GRADIENT_BRUSH_PROPERTIES& p, const MP1_BRUSH_PROPERTIES* b,
                 const Stops& s)
-        : Object({SE_IID_RADIALGRADIENTBRUSH_MPGUI, SE_IID_BRUSH_MPGUI, SE_IID_RESOURCE_MPGUI}), GradientBase(s, b),
-          factory_(f), shape_(p) {}
+        : Object({SE_IID_RADIALGRADIENTBRUSH_MPGUI, SE_IID_BRUSH_MPGUI, SE_IID_RESOURCE_MPGUI}),
+          GradientBase(s, b),
+          factory_(f),
+          shape_(p) {}
     int32_t getFactory(IMpFactory** f) override { return f ? (*f = factory_, gmpi::MP_OK) : gmpi::MP_FAIL; }
     void SetCenter(MP1_POINT p) override { shape_.center = p, changed(); }
     void SetGradientOriginOffset(MP1_POINT p) override { shape_.gradientOriginOffset = p, changed(); }
@@ -163,7 +167,9 @@ bool finite(const T& v) {
 }  // namespace
 
 DeviceContext::DeviceContext(IMpFactory* factory, cairo_t* cr)
-    : Object({SE_IID_DEVICECONTEXT_MPGUI, SE_IID_BITMAP_RENDERTARGET_MPGUI}), factory_(factory), cr_(cairo_reference(cr)) {
+    : Object({SE_IID_DEVICECONTEXT_MPGUI, SE_IID_BITMAP_RENDERTARGET_MPGUI}),
+      factory_(factory),
+      cr_(cairo_reference(cr)) {
     cairo_get_matrix(cr_, &base_);
     cairo_save(cr_);
 }

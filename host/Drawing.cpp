@@ -98,9 +98,7 @@ PangoContext* measuringContext() {
     return context;
 }
 
-PangoWeight pangoWeight(int32_t w) {
-    return static_cast<PangoWeight>(std::clamp(w, 100, 1000));
-}
+PangoWeight pangoWeight(int32_t w) { return static_cast<PangoWeight>(std::clamp(w, 100, 1000)); }
 
 }  // namespace
 
@@ -342,7 +340,8 @@ void addArc(cairo_t* cr, MP1_POINT p0, const MP1_ARC_SEGMENT& arc) {
 
 }  // namespace
 
-PathGeometry::PathGeometry(IMpFactory* factory) : Object({SE_IID_PATHGEOMETRY_MPGUI, SE_IID_RESOURCE_MPGUI}), factory_(factory) {}
+PathGeometry::PathGeometry(IMpFactory* factory)
+    : Object({SE_IID_PATHGEOMETRY_MPGUI, SE_IID_RESOURCE_MPGUI}), factory_(factory) {}
 
 int32_t PathGeometry::getFactory(IMpFactory** returnFactory) {
     if (returnFactory)

@@ -19,7 +19,8 @@ using namespace GmpiDrawing_API;
 // Answered only by the host's own drawing objects, with their Impl face: how the device context tells
 // its objects from foreign ones.
 // {01BA6546-B490-4786-9EB5-C6DB895DB9AB}
-inline constexpr gmpi::MpGuid IID_HOST_DRAWING_IMPL = {0x01BA6546, 0xB490, 0x4786, {0x9E, 0xB5, 0xC6, 0xDB, 0x89, 0x5D, 0xB9, 0xAB}};
+inline constexpr gmpi::MpGuid IID_HOST_DRAWING_IMPL = {
+    0x01BA6546, 0xB490, 0x4786, {0x9E, 0xB5, 0xC6, 0xDB, 0x89, 0x5D, 0xB9, 0xAB}};
 
 class Impl {
 public:

@@ -342,8 +342,9 @@ cairo_surface_t* Panel::render(const std::string& instance) {
             if (h->rect && h->graphics)
                 size = {std::max(size.width, h->rect->right), std::max(size.height, h->rect->bottom)};
     }
-    cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, std::max(1, static_cast<int>(std::ceil(size.width))),
-                                                    std::max(1, static_cast<int>(std::ceil(size.height))));
+    cairo_surface_t* s =
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, std::max(1, static_cast<int>(std::ceil(size.width))),
+                                   std::max(1, static_cast<int>(std::ceil(size.height))));
     cairo_t* cr = cairo_create(s);
     const uint32_t bg = decl_.background;
     cairo_set_source_rgba(cr, ((bg >> 16) & 0xFF) / 255.0, ((bg >> 8) & 0xFF) / 255.0, (bg & 0xFF) / 255.0,
@@ -384,8 +385,7 @@ std::string Panel::pointer(Pointer kind, int32_t flags, MP1_POINT point) {
         if (!(r.left <= point.x && point.x < r.right && r.top <= point.y && point.y < r.bottom))
             continue;
         const MP1_POINT local{point.x - r.left, point.y - r.top};
-        if (h->hasHitTest &&
-            static_cast<gmpi_gui_api::IMpGraphics2*>(h->graphics)->hitTest(local) != gmpi::MP_OK)
+        if (h->hasHitTest && static_cast<gmpi_gui_api::IMpGraphics2*>(h->graphics)->hitTest(local) != gmpi::MP_OK)
             continue;
         if (send(*h) == gmpi::MP_OK)
             return h->name();

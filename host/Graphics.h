@@ -37,7 +37,7 @@ struct Placement {
 struct PanelDecl {
     std::vector<Placement> placements;
     std::optional<GmpiDrawing_API::MP1_SIZE> size;  // "panel W H"; else the placements' bounding box
-    uint32_t background = 0xFF202020;              // 0xAARRGGBB
+    uint32_t background = 0xFF202020;               // 0xAARRGGBB
 };
 
 // An answer for the next host dialog or editor: a text (path or edited text), or nullopt to cancel.

@@ -228,13 +228,12 @@ Action compileExpectImage(Parser& p, const Line& line) {
         cairo_surface_t* image = panelOf(s).render(instance);
         cairo_surface_t* expected = cairo_image_surface_create_from_png(reference.string().c_str());
         const long differing = differingPixels(image, expected, 24);
-        const long total = image ? static_cast<long>(cairo_image_surface_get_width(image)) *
-                                       cairo_image_surface_get_height(image)
-                                 : 0;
+        const long total =
+            image ? static_cast<long>(cairo_image_surface_get_width(image)) * cairo_image_surface_get_height(image) : 0;
         if (differing < 0 || differing * 1000 > total) {
-            std::string why = differing < 0 ? "cannot be compared (missing, unreadable or another size)"
-                                            : std::to_string(differing) + " of " + std::to_string(total) +
-                                                  " pixels differ";
+            std::string why = differing < 0
+                                  ? "cannot be compared (missing, unreadable or another size)"
+                                  : std::to_string(differing) + " of " + std::to_string(total) + " pixels differ";
             if (image && !snapshotFolder().empty()) {
                 const auto actual = snapshotFolder() / (reference.stem().string() + ".actual.png");
                 cairo_surface_write_to_png(image, actual.string().c_str());
@@ -253,7 +252,8 @@ Action compileExpectImage(Parser& p, const Line& line) {
 
 // file-dialog answer PATH | file-dialog cancel; text-edit answer TEXT | text-edit cancel
 Action compileAnswer(Parser& p, const Line& line, bool fileDialog) {
-    const char* usage = fileDialog ? "file-dialog answer PATH | file-dialog cancel" : "text-edit answer TEXT | text-edit cancel";
+    const char* usage =
+        fileDialog ? "file-dialog answer PATH | file-dialog cancel" : "text-edit answer TEXT | text-edit cancel";
     p.arity(line, 2, 3, usage);
     ScriptedAnswer answer;
     if (line.tokens[1].raw == "answer" && line.tokens.size() == 3)
@@ -293,12 +293,11 @@ Action compileFileAnswer(Parser& p, const Line& line) { return compileAnswer(p, 
 Action compileTextAnswer(Parser& p, const Line& line) { return compileAnswer(p, line, false); }
 
 const bool registered =
-    Extensions::add([] { return std::make_unique<GraphicsExtension>(); }) &&
-    Directives::add("panel", panelDirective) && Directives::add("place", placeDirective) &&
-    Steps::add("pointer", compilePointer) && Steps::add("drag", compileDrag) &&
-    Steps::add("snapshot", compileSnapshot, true) && Steps::add("expect-image", compileExpectImage, true) &&
-    Steps::add("file-dialog", compileFileAnswer) && Steps::add("text-edit", compileTextAnswer) &&
-    Steps::add("expect-invalidated", compileExpectInvalidated, true);
+    Extensions::add([] { return std::make_unique<GraphicsExtension>(); }) && Directives::add("panel", panelDirective) &&
+    Directives::add("place", placeDirective) && Steps::add("pointer", compilePointer) &&
+    Steps::add("drag", compileDrag) && Steps::add("snapshot", compileSnapshot, true) &&
+    Steps::add("expect-image", compileExpectImage, true) && Steps::add("file-dialog", compileFileAnswer) &&
+    Steps::add("text-edit", compileTextAnswer) && Steps::add("expect-invalidated", compileExpectInvalidated, true);
 
 }  // namespace
 

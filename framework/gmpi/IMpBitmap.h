@@ -7,9 +7,11 @@
 namespace GmpiDrawing_API {
 
 // {BD2A47F5-E68E-4874-A6A1-764B19716B78}
-inline constexpr gmpi::MpGuid SE_IID_BITMAP_MPGUI = {0xBD2A47F5, 0xE68E, 0x4874, {0xA6, 0xA1, 0x76, 0x4B, 0x19, 0x71, 0x6B, 0x78}};
+inline constexpr gmpi::MpGuid SE_IID_BITMAP_MPGUI = {
+    0xBD2A47F5, 0xE68E, 0x4874, {0xA6, 0xA1, 0x76, 0x4B, 0x19, 0x71, 0x6B, 0x78}};
 // {476BC99E-6287-4158-A310-71C2746DCA4F}
-inline constexpr gmpi::MpGuid SE_IID_BITMAP_PIXELS_MPGUI = {0x476BC99E, 0x6287, 0x4158, {0xA3, 0x10, 0x71, 0xC2, 0x74, 0x6D, 0xCA, 0x4F}};
+inline constexpr gmpi::MpGuid SE_IID_BITMAP_PIXELS_MPGUI = {
+    0x476BC99E, 0x6287, 0x4158, {0xA3, 0x10, 0x71, 0xC2, 0x74, 0x6D, 0xCA, 0x4F}};
 
 // The pixel format every lock presents: one 32-bit word per pixel in the machine's byte order, alpha in
 // the top byte, then red, green, blue; colours premultiplied by alpha. A pixel is transparent exactly

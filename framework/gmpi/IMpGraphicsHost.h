@@ -10,10 +10,12 @@
 namespace gmpi_gui {
 
 // {E394AF51-C4D0-4885-84F1-963CA8182964}
-inline constexpr gmpi::MpGuid SE_IID_GRAPHICS_HOST = {0xE394AF51, 0xC4D0, 0x4885, {0x84, 0xF1, 0x96, 0x3C, 0xA8, 0x18, 0x29, 0x64}};
+inline constexpr gmpi::MpGuid SE_IID_GRAPHICS_HOST = {
+    0xE394AF51, 0xC4D0, 0x4885, {0x84, 0xF1, 0x96, 0x3C, 0xA8, 0x18, 0x29, 0x64}};
 // {E4717EA4-CA6D-4FAE-9D35-BA95EBAAEA2B}: the first version's identifier. A host answers it with the
 // same object; modules ask for SE_IID_GRAPHICS_HOST.
-inline constexpr gmpi::MpGuid SE_IID_GRAPHICS_HOST_BASE = {0xE4717EA4, 0xCA6D, 0x4FAE, {0x9D, 0x35, 0xBA, 0x95, 0xEB, 0xAA, 0xEA, 0x2B}};
+inline constexpr gmpi::MpGuid SE_IID_GRAPHICS_HOST_BASE = {
+    0xE4717EA4, 0xCA6D, 0x4FAE, {0x9D, 0x35, 0xBA, 0x95, 0xEB, 0xAA, 0xEA, 0x2B}};
 
 inline bool isGraphicsHostIid(const gmpi::MpGuid& iid) {
     return iid == SE_IID_GRAPHICS_HOST || iid == SE_IID_GRAPHICS_HOST_BASE;
@@ -44,7 +46,8 @@ public:
     virtual int32_t createFileDialog(int32_t dialogType, gmpi::IMpUnknown** returnFileDialog) = 0;
     // [gui thread] Makes a text editor over a rectangle of the module; the caller owns the IMpPlatformText
     // given. Returns 0, or -1 with null.
-    virtual int32_t createPlatformTextEdit(const GmpiDrawing_API::MP1_RECT* rect, gmpi::IMpUnknown** returnTextEdit) = 0;
+    virtual int32_t createPlatformTextEdit(const GmpiDrawing_API::MP1_RECT* rect,
+                                           gmpi::IMpUnknown** returnTextEdit) = 0;
     // [gui thread] Stores the drawing factory (also an IMpFactory2; not counted, it outlives the module).
     // No result.
     virtual void GetDrawingFactory(GmpiDrawing_API::IMpFactory** returnFactory) = 0;

@@ -6,7 +6,8 @@
 namespace gmpi_gui {
 
 // {1BD1AD44-C30D-440F-BC89-C90E8CD0EEA0}
-inline constexpr gmpi::MpGuid SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG = {0x1BD1AD44, 0xC30D, 0x440F, {0xBC, 0x89, 0xC9, 0x0E, 0x8C, 0xD0, 0xEE, 0xA0}};
+inline constexpr gmpi::MpGuid SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG = {
+    0x1BD1AD44, 0xC30D, 0x440F, {0xBC, 0x89, 0xC9, 0x0E, 0x8C, 0xD0, 0xEE, 0xA0}};
 
 // Dialog types for IMpGraphicsHost::createFileDialog.
 inline constexpr int32_t MP_PLATFORM_FILE_OPEN = 0;

@@ -6,7 +6,8 @@
 namespace gmpi_gui {
 
 // {FE3EC9DC-2719-44F2-BAFB-0E9AA29B8A27}
-inline constexpr gmpi::MpGuid SE_IID_GRAPHICS_PLATFORM_TEXT = {0xFE3EC9DC, 0x2719, 0x44F2, {0xBA, 0xFB, 0x0E, 0x9A, 0xA2, 0x9B, 0x8A, 0x27}};
+inline constexpr gmpi::MpGuid SE_IID_GRAPHICS_PLATFORM_TEXT = {
+    0xFE3EC9DC, 0x2719, 0x44F2, {0xBA, 0xFB, 0x0E, 0x9A, 0xA2, 0x9B, 0x8A, 0x27}};
 
 // SetAlignment: the low 16 bits are the horizontal alignment (0 left, 1 right, 2 centred); this bit
 // asks for a multi-line editor.

@@ -9,7 +9,8 @@ namespace GmpiDrawing_API {
 class IMpFactory;
 
 // {B7C4F8D1-F102-4166-87C6-1363CB9503BB}
-inline constexpr gmpi::MpGuid SE_IID_RESOURCE_MPGUI = {0xB7C4F8D1, 0xF102, 0x4166, {0x87, 0xC6, 0x13, 0x63, 0xCB, 0x95, 0x03, 0xBB}};
+inline constexpr gmpi::MpGuid SE_IID_RESOURCE_MPGUI = {
+    0xB7C4F8D1, 0xF102, 0x4166, {0x87, 0xC6, 0x13, 0x63, 0xCB, 0x95, 0x03, 0xBB}};
 
 // Slot 3 is frozen.
 class IMpResource : public gmpi::IMpUnknown {

@@ -7,7 +7,8 @@
 namespace GmpiDrawing_API {
 
 // {ED903255-3FE0-4CE4-8CD1-97D72D51B7CB}
-inline constexpr gmpi::MpGuid SE_IID_TEXTFORMAT_MPGUI = {0xED903255, 0x3FE0, 0x4CE4, {0x8C, 0xD1, 0x97, 0xD7, 0x2D, 0x51, 0xB7, 0xCB}};
+inline constexpr gmpi::MpGuid SE_IID_TEXTFORMAT_MPGUI = {
+    0xED903255, 0x3FE0, 0x4CE4, {0x8C, 0xD1, 0x97, 0xD7, 0x2D, 0x51, 0xB7, 0xCB}};
 
 // Slots 3 to 8 are frozen in this order. Formats are shared between modules: a change applies to every
 // later drawing with the format.

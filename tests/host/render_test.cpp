@@ -166,13 +166,18 @@ TEST(RenderImages, LoadsPngAndTakesABmpsMaskAsAlpha) {
     std::filesystem::create_directories(dir);
     // A 2 x 1 24-bit BMP (blue, white) and a mask (black, white): the first pixel becomes transparent.
     auto bmp = [](const std::filesystem::path& file, uint32_t p0, uint32_t p1) {
-        const unsigned char header[54] = {'B', 'M', 62, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40, 0, 0, 0, 2, 0, 0, 0,
-                                          1,   0,   0,  0, 1, 0, 24, 0, 0, 0, 0, 0, 8, 0, 0, 0};
+        const unsigned char header[54] = {'B', 'M', 62, 0, 0, 0, 0, 0, 0, 0,  54, 0, 0, 0, 40, 0, 0, 0, 2,
+                                          0,   0,   0,  1, 0, 0, 0, 1, 0, 24, 0,  0, 0, 0, 0,  8, 0, 0, 0};
         std::ofstream f(file, std::ios::binary);
         f.write(reinterpret_cast<const char*>(header), 54);
-        const unsigned char row[8] = {static_cast<unsigned char>(p0), static_cast<unsigned char>(p0 >> 8),
-                                      static_cast<unsigned char>(p0 >> 16), static_cast<unsigned char>(p1),
-                                      static_cast<unsigned char>(p1 >> 8), static_cast<unsigned char>(p1 >> 16), 0, 0};
+        const unsigned char row[8] = {static_cast<unsigned char>(p0),
+                                      static_cast<unsigned char>(p0 >> 8),
+                                      static_cast<unsigned char>(p0 >> 16),
+                                      static_cast<unsigned char>(p1),
+                                      static_cast<unsigned char>(p1 >> 8),
+                                      static_cast<unsigned char>(p1 >> 16),
+                                      0,
+                                      0};
         f.write(reinterpret_cast<const char*>(row), 8);
     };
     bmp(dir / "k.bmp", 0x0000FF, 0xFFFFFF);
@@ -364,7 +369,7 @@ TEST_F(RenderPanel, CaptureRoutesEverythingToTheHolderUntilReleased) {
     EXPECT_EQ(held, 1);
     panel->host("upper")->getCapture(held);
     EXPECT_EQ(held, 0);
-    panel->host("upper")->releaseCapture();  // not the holder: nothing changes
+    panel->host("upper")->releaseCapture();                       // not the holder: nothing changes
     EXPECT_EQ(panel->pointer(P::Move, 0x10, {60, 60}), "lower");  // far outside, over upper
     EXPECT_EQ(lower.events.back(), "move 60");
     EXPECT_EQ(panel->pointer(P::Up, 0x10, {60, 60}), "lower");

@@ -14,11 +14,11 @@
 #include <vector>
 
 #include "FakeGuiHost.h"
+#include "gmpi/IMpCompletionHandler.h"
 #include "gmpi/IMpDeviceContext.h"
 #include "gmpi/IMpGraphicsHost.h"
 #include "gmpi/IMpPlatformFileDialog.h"
 #include "gmpi/IMpPlatformText.h"
-#include "gmpi/IMpCompletionHandler.h"
 
 namespace kxtest {
 
@@ -252,7 +252,8 @@ public:
         *out = b;
         return gmpi::MP_OK;
     }
-    int32_t CreateGradientStopCollection(const MP1_GRADIENT_STOP* s, uint32_t n, IMpGradientStopCollection** out) override {
+    int32_t CreateGradientStopCollection(const MP1_GRADIENT_STOP* s, uint32_t n,
+                                         IMpGradientStopCollection** out) override {
         auto* c = new Stops;
         c->stops.assign(s, s + n);
         lastStops = c->stops;

@@ -18,7 +18,8 @@ class TextWidget : public gmpi_gui::MpGuiGfxBase, public FontCacheClient {};
 
 // Style files are parsed once per process and path: every test serves its own folder.
 struct StyleFixture : ::testing::Test {
-    explicit StyleFixture() : host("/" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) + "/") {}
+    explicit StyleFixture()
+        : host("/" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) + "/") {}
     kxtest::FakeSkinHost host;
     kxtest::FakeGraphicsHost gfx{host};
     void TearDown() override {
@@ -65,9 +66,9 @@ TEST(SkinMetadata, ParsesStylesInFileOrder) {
 
 TEST(SkinMetadata, FontWeightWordsAndNumbers) {
     const std::tuple<const char*, uint8_t, uint8_t> cases[] = {
-        {"300", 0, FontMetadata::Light}, {"400", 0, 0},   {"600", FontMetadata::Bold, 0},
-        {"551", FontMetadata::Bold, 0},  {"550", 0, 0},   {"1", 0, FontMetadata::Light},
-        {"-5", 0, FontMetadata::Light},  {"0", 0, 0},     {"Bold", FontMetadata::Bold, 0},
+        {"300", 0, FontMetadata::Light},   {"400", 0, 0},   {"600", FontMetadata::Bold, 0},
+        {"551", FontMetadata::Bold, 0},    {"550", 0, 0},   {"1", 0, FontMetadata::Light},
+        {"-5", 0, FontMetadata::Light},    {"0", 0, 0},     {"Bold", FontMetadata::Bold, 0},
         {"LIGHT", 0, FontMetadata::Light}, {"normal", 0, 0}};
     for (const auto& [word, flags, flags2] : cases) {
         const auto skin = parse(std::string("FONT_CATEGORY x\nfont-weight ") + word);
@@ -104,7 +105,8 @@ TEST(FontMetadata, LegacyVerticalOffsetByFamily) {
 }
 
 TEST_F(StyleFixture, WidgetsShareOneFormatPerStyleAndTheFileIsReadOnce) {
-    host.files[host.folder + "global"] = "FONT_CATEGORY normal\nfont-family Nope DejaVu\nfont-size 15\nfont-weight bold\ntext-align c";
+    host.files[host.folder + "global"] =
+        "FONT_CATEGORY normal\nfont-family Nope DejaVu\nfont-size 15\nfont-weight bold\ntext-align c";
     {
         TextWidget a, b;
         a.setHost(gfx.unknown());

@@ -25,7 +25,9 @@ struct SkinFixture : ::testing::Test {
         if (!meta.empty())
             host.files[ImageMetadata::metadataFileName("/skin/" + name)] = meta;
     }
-    static kxtest::FakeBitmap& pixels(const skinBitmap& s) { return *static_cast<kxtest::FakeBitmap*>(s.getDrawBitmap().Get()); }
+    static kxtest::FakeBitmap& pixels(const skinBitmap& s) {
+        return *static_cast<kxtest::FakeBitmap*>(s.getDrawBitmap().Get());
+    }
     void TearDown() override {
         // Every test's clients are gone: the cache must hold nothing and every bitmap is released.
         EXPECT_EQ(ImageCache::instance().entryCount(), 0u);
@@ -51,9 +53,9 @@ TEST(ImageMetadata, SharedKeysAndLaterLinesOverride) {
 }
 
 TEST(ImageMetadata, MouseResponseFromTheValuesFirstLetters) {
-    const std::pair<const char*, int> cases[] = {{"false", 1},   {"true", 0}, {"horizontal", 1}, {"vertical", 0},
-                                                 {"click", 2},   {"step", 4}, {"reverse", 5},    {"rotary", 3},
-                                                 {"r", 3},       {"x", -1},   {"Horizontal", -1}};
+    const std::pair<const char*, int> cases[] = {{"false", 1}, {"true", 0}, {"horizontal", 1}, {"vertical", 0},
+                                                 {"click", 2}, {"step", 4}, {"reverse", 5},    {"rotary", 3},
+                                                 {"r", 3},     {"x", -1},   {"Horizontal", -1}};
     for (const auto& [word, expected] : cases) {
         EXPECT_EQ(parse(std::string("orientation ") + word).mouseResponse, expected) << word;
         EXPECT_EQ(parse(std::string("mouse_response ") + word).mouseResponse, expected) << word;
