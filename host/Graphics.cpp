@@ -4,6 +4,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "HostObject.h"
 #include "gmpi/IMpCompletionHandler.h"
 #include "gmpi/IString.h"
 
@@ -59,40 +60,10 @@ private:
     gmpi_gui::IMpCompletionHandler* handler_;
 };
 
-template <class I>
-class Counted : public I {
+class FileDialog final : public CountedObject<gmpi_gui::IMpPlatformFileDialog> {
 public:
-    int32_t addRef() override { return ++count_; }
-    int32_t release() override {
-        const int32_t c = --count_;
-        if (c == 0)
-            delete this;
-        return c;
-    }
-    virtual ~Counted() = default;
-
-protected:
-    int32_t answer(const gmpi::MpGuid& iid, const gmpi::MpGuid& own, void** out) {
-        if (!out)
-            return gmpi::MP_NOSUPPORT;
-        *out = nullptr;
-        if (!gmpi::isUnknownIid(iid) && !(iid == own))
-            return gmpi::MP_NOSUPPORT;
-        *out = static_cast<I*>(this);
-        addRef();
-        return gmpi::MP_OK;
-    }
-
-private:
-    int32_t count_ = 1;
-};
-
-class FileDialog final : public Counted<gmpi_gui::IMpPlatformFileDialog> {
-public:
-    FileDialog(Panel& panel, int32_t type) : panel_(panel), type_(type) {}
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        return answer(iid, gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG, out);
-    }
+    FileDialog(Panel& panel, int32_t type)
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG), panel_(panel), type_(type) {}
     int32_t AddExtension(const char* extension, const char*) override {
         extensions_.push_back(extension ? extension : "");
         return gmpi::MP_OK;
@@ -132,12 +103,10 @@ private:
     std::string initialName_, initialFolder_, selected_;
 };
 
-class TextEdit final : public Counted<gmpi_gui::IMpPlatformText> {
+class TextEdit final : public CountedObject<gmpi_gui::IMpPlatformText> {
 public:
-    TextEdit(Panel& panel, MP1_RECT rect) : panel_(panel), rect_(rect) {}
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        return answer(iid, gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT, out);
-    }
+    TextEdit(Panel& panel, MP1_RECT rect)
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT), panel_(panel), rect_(rect) {}
     int32_t SetText(const char* text) override {
         text_ = text ? text : "";
         return gmpi::MP_OK;

@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <fstream>
 
+#include "HostObject.h"
 #include "Session.h"
 #include "Text.h"
 #include "gmpi/IString.h"
@@ -13,27 +14,10 @@ namespace kxhost {
 namespace {
 
 // A file opened for reading, handed to the module, which owns it.
-class ResourceStream final : public gmpi::IMpResourceStream {
+class ResourceStream final : public CountedObject<gmpi::IMpResourceStream> {
 public:
-    ResourceStream(std::ifstream file, int64_t size) : file_(std::move(file)), size_(size) {}
-
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        if (!out)
-            return gmpi::MP_NOSUPPORT;
-        *out = nullptr;
-        if (!gmpi::isUnknownIid(iid) && !(iid == gmpi::MP_IID_RESOURCE_STREAM))
-            return gmpi::MP_NOSUPPORT;
-        *out = static_cast<gmpi::IMpResourceStream*>(this);
-        addRef();
-        return gmpi::MP_OK;
-    }
-    int32_t addRef() override { return ++count_; }
-    int32_t release() override {
-        const int32_t c = --count_;
-        if (c == 0)
-            delete this;
-        return c;
-    }
+    ResourceStream(std::ifstream file, int64_t size)
+        : CountedObject(gmpi::MP_IID_RESOURCE_STREAM), file_(std::move(file)), size_(size) {}
     int32_t getSize(int64_t& returnSize) override {
         returnSize = size_;
         return gmpi::MP_OK;
@@ -48,7 +32,6 @@ public:
 private:
     std::ifstream file_;
     int64_t size_;
-    int32_t count_ = 1;
 };
 
 std::vector<std::string> typeExtensions(const std::string& type) {
@@ -158,7 +141,7 @@ int32_t GuiHost::resolveResource(const char* resourceName, const char* resourceT
     return found ? gmpi::MP_OK : gmpi::MP_FAIL;
 }
 
-int32_t GuiHost::openResource(const char* fullPath, gmpi::IMpUnknown** returnStream) {
+int32_t openResourceStream(const char* fullPath, gmpi::IMpUnknown** returnStream) {
     if (!returnStream)
         return gmpi::MP_FAIL;
     *returnStream = nullptr;
@@ -171,6 +154,10 @@ int32_t GuiHost::openResource(const char* fullPath, gmpi::IMpUnknown** returnStr
         return gmpi::MP_FAIL;
     *returnStream = new ResourceStream(std::move(file), static_cast<int64_t>(size));
     return gmpi::MP_OK;
+}
+
+int32_t GuiHost::openResource(const char* fullPath, gmpi::IMpUnknown** returnStream) {
+    return openResourceStream(fullPath, returnStream);
 }
 
 int32_t GuiHost::resolveFilename(const wchar_t* shortFilename, int32_t maxChars, wchar_t* returnFullFilename) {

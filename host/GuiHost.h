@@ -49,4 +49,7 @@ private:
 std::filesystem::path findResource(const std::vector<std::filesystem::path>& folders, const std::string& name,
                                    const std::string& type, bool& found);
 
+// Opens a file for reading as a resource stream the caller owns. 0, or -1 with null.
+int32_t openResourceStream(const char* fullPath, gmpi::IMpUnknown** returnStream);
+
 }  // namespace kxhost

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
-#include <fstream>
 
+#include "GuiHost.h"
 #include "Text.h"
 
 namespace kxhost::validate {
@@ -35,30 +35,6 @@ int32_t MenuSink::AddItem(const char* text, int32_t id, int32_t /*flags*/) {
     ids_.push_back(id);
     return gmpi::MP_OK;
 }
-
-namespace {
-
-class ResourceStream final : public CountedObject<gmpi::IMpResourceStream> {
-public:
-    ResourceStream(std::ifstream file, int64_t size)
-        : CountedObject(gmpi::MP_IID_RESOURCE_STREAM), file_(std::move(file)), size_(size) {}
-    int32_t getSize(int64_t& returnSize) override {
-        returnSize = size_;
-        return gmpi::MP_OK;
-    }
-    int32_t read(void* buffer, int32_t size) override {
-        if (size < 0 || (size > 0 && !buffer))
-            return gmpi::MP_FAIL;
-        file_.read(static_cast<char*>(buffer), size);
-        return static_cast<int32_t>(file_.gcount());
-    }
-
-private:
-    std::ifstream file_;
-    int64_t size_;
-};
-
-}  // namespace
 
 ValidationGuiHost::ValidationGuiHost(HostRefs& refs, const FaceTable& extra, std::filesystem::path folder,
                                      int32_t pinCount)
@@ -121,18 +97,7 @@ int32_t ValidationGuiHost::resolveResource(const char* resourceName, const char*
 }
 
 int32_t ValidationGuiHost::openResource(const char* fullPath, gmpi::IMpUnknown** returnStream) {
-    if (!returnStream)
-        return gmpi::MP_FAIL;
-    *returnStream = nullptr;
-    std::error_code ec;
-    if (!fullPath || !std::filesystem::is_regular_file(fullPath, ec))
-        return gmpi::MP_FAIL;
-    const auto size = std::filesystem::file_size(fullPath, ec);
-    std::ifstream file(fullPath, std::ios::binary);
-    if (ec || !file)
-        return gmpi::MP_FAIL;
-    *returnStream = new ResourceStream(std::move(file), static_cast<int64_t>(size));
-    return gmpi::MP_OK;
+    return openResourceStream(fullPath, returnStream);
 }
 
 int32_t ValidationGuiHost::resolveFilename(const wchar_t* shortFilename, int32_t maxChars,

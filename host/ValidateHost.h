@@ -15,12 +15,16 @@
 #include <utility>
 #include <vector>
 
+#include "HostObject.h"
 #include "gmpi/IMpContextItemSink.h"
 #include "gmpi/IMpUserInterfaceHost.h"
 #include "gmpi/IMpUserInterfaceHost2.h"
 #include "gmpi/IString.h"
 
 namespace kxhost::validate {
+
+using kxhost::Counted;
+using kxhost::CountedObject;
 
 class HostRefs {
 public:
@@ -46,47 +50,6 @@ public:
 
 private:
     std::vector<std::pair<gmpi::MpGuid, gmpi::IMpUnknown*>> faces_;
-};
-
-// Base of host objects handed to modules: counts the living ones.
-class Counted {
-public:
-    Counted() { ++alive_; }
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
-    virtual ~Counted() { --alive_; }
-    static int alive() { return alive_; }
-
-private:
-    static inline int alive_ = 0;
-};
-
-// Reference counting for a counted host object with one face I (identified by iid).
-template <class I>
-class CountedObject : public I, public Counted {
-public:
-    explicit CountedObject(const gmpi::MpGuid& iid) : iid_(iid) {}
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        if (!out)
-            return gmpi::MP_NOSUPPORT;
-        *out = nullptr;
-        if (!gmpi::isUnknownIid(iid) && !(iid == iid_))
-            return gmpi::MP_NOSUPPORT;
-        *out = static_cast<I*>(this);
-        addRef();
-        return gmpi::MP_OK;
-    }
-    int32_t addRef() override { return ++count_; }
-    int32_t release() override {
-        const int32_t c = --count_;
-        if (c == 0)
-            delete this;
-        return c;
-    }
-
-private:
-    gmpi::MpGuid iid_;
-    int32_t count_ = 1;
 };
 
 // A text the module fills (tool tips, resource paths).
