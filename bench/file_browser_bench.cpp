@@ -12,6 +12,7 @@
 #include <fstream>
 #include <string>
 
+#include "QuietHost.h"
 #include "TextCodec.h"
 #include "convert/FilePick.h"
 #include "gmpi/IMpUserInterfaceHost2.h"
@@ -53,39 +54,6 @@ const fs::path& sampleFolder() {
     return path;
 }
 
-// A host that takes each transmitted value and does nothing with it, as a host whose pin has no wire.
-class QuietHost final : public gmpi::IMpUserInterfaceHost2 {
-public:
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        *out = nullptr;
-        if (iid == gmpi::MP_IID_UI_HOST2 || gmpi::isUnknownIid(iid)) {
-            *out = this;
-            return gmpi::MP_OK;
-        }
-        return gmpi::MP_NOSUPPORT;
-    }
-    int32_t addRef() override { return 1; }
-    int32_t release() override { return 1; }
-    int32_t pinTransmit(int32_t, int32_t size, const void* data, int32_t) override {
-        benchmark::DoNotOptimize(data);
-        benchmark::DoNotOptimize(size);
-        return gmpi::MP_OK;
-    }
-    int32_t sendMessageToAudio(int32_t, int32_t, const void*) override { return gmpi::MP_OK; }
-    int32_t resolveResource(const char*, const char*, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
-    int32_t openResource(const char*, gmpi::IMpUnknown**) override { return gmpi::MP_FAIL; }
-    int32_t getHandle(int32_t& h) override {
-        h = 0;
-        return gmpi::MP_OK;
-    }
-    int32_t getPinCount(int32_t& count) override {
-        count = FileBrowserPin::Count;
-        return gmpi::MP_OK;
-    }
-    int32_t reserved1() override { return gmpi::MP_NOSUPPORT; }
-    int32_t reserved2() override { return gmpi::MP_NOSUPPORT; }
-};
-
 void setItems(benchmark::State& state) { state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kEntries); }
 
 // Baseline: iterate the folder, take each entry's name and whether it is a folder.
@@ -117,7 +85,7 @@ void sendBool(KX_FileBrowser& browser, int pin, bool value) {
 // The module as a host drives it: the rescan pin rises, the folder is listed and the item list sent.
 // state.range(0) selects the filter: 0 lists everything, 1 only ".wav" files with extensions hidden.
 void BrowserRescan(benchmark::State& state) {
-    QuietHost host;
+    QuietHost host(FileBrowserPin::Count);
     KX_FileBrowser browser;
     browser.setHost(&host);
     if (state.range(0) == 1) {

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <string>
 
+#include "QuietHost.h"
 #include "TextCodec.h"
 #include "convert/TextFiles.h"
 #include "gmpi/IMpUserInterfaceHost2.h"
@@ -43,39 +44,6 @@ const std::filesystem::path& sampleFile() {
     return path;
 }
 
-// A host that takes each transmitted value and does nothing with it, as a host whose pin has no wire.
-class QuietHost final : public gmpi::IMpUserInterfaceHost2 {
-public:
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        *out = nullptr;
-        if (iid == gmpi::MP_IID_UI_HOST2 || gmpi::isUnknownIid(iid)) {
-            *out = this;
-            return gmpi::MP_OK;
-        }
-        return gmpi::MP_NOSUPPORT;
-    }
-    int32_t addRef() override { return 1; }
-    int32_t release() override { return 1; }
-    int32_t pinTransmit(int32_t, int32_t size, const void* data, int32_t) override {
-        benchmark::DoNotOptimize(data);
-        benchmark::DoNotOptimize(size);
-        return gmpi::MP_OK;
-    }
-    int32_t sendMessageToAudio(int32_t, int32_t, const void*) override { return gmpi::MP_OK; }
-    int32_t resolveResource(const char*, const char*, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
-    int32_t openResource(const char*, gmpi::IMpUnknown**) override { return gmpi::MP_FAIL; }
-    int32_t getHandle(int32_t& h) override {
-        h = 0;
-        return gmpi::MP_OK;
-    }
-    int32_t getPinCount(int32_t& count) override {
-        count = 5;
-        return gmpi::MP_OK;
-    }
-    int32_t reserved1() override { return gmpi::MP_NOSUPPORT; }
-    int32_t reserved2() override { return gmpi::MP_NOSUPPORT; }
-};
-
 void setBytes(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
                             static_cast<int64_t>(std::filesystem::file_size(sampleFile())));
@@ -97,7 +65,7 @@ void RawReadAndDecode(benchmark::State& state) {
 
 // The module, as a host drives it: a trigger on the module loads the file and transmits the text.
 void StringLoaderTrigger(benchmark::State& state) {
-    QuietHost host;
+    QuietHost host(5);
     KX_StringLoader loader;
     loader.setHost(&host);
     const std::wstring name = kx::fromUtf8(sampleFile().string());
