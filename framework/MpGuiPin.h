@@ -8,19 +8,10 @@
 #include <vector>
 
 #include "MpBlob.h"
+#include "MpPinDatatype.h"
 #include "TextCodec.h"
 #include "gmpi/IMpUserInterface.h"
 #include "gmpi/IMpUserInterface2.h"
-
-// Host pin datatype codes.
-enum MpPinDatatype : int32_t {
-    MP_DT_ENUM = 0,
-    MP_DT_TEXT = 1,
-    MP_DT_BOOL = 4,
-    MP_DT_FLOAT = 6,
-    MP_DT_INT = 8,
-    MP_DT_BLOB = 10,
-};
 
 class IGuiPinCallbackImpl {
 public:
