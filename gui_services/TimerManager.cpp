@@ -10,7 +10,7 @@ void Timer::Start() {
     Stop();
     if (clients_.empty())
         return;
-    handle_ = TimerManager::Instance().backend().create(interval_, this);
+    handle_ = manager_.backend().create(interval_, this);
 }
 
 void Timer::Stop() {
@@ -18,7 +18,7 @@ void Timer::Stop() {
         return;
     void* handle = handle_;
     handle_ = nullptr;
-    TimerManager::Instance().backend().destroy(handle);
+    manager_.backend().destroy(handle);
 }
 
 bool Timer::contains(const TimerClient* client) const {
@@ -73,7 +73,7 @@ void TimerManager::RegisterClient(TimerClient* client, int intervalMs) {
             group->Start();
         return;
     }
-    auto& created = groups_.emplace_back(intervalMs);
+    auto& created = groups_.emplace_back(*this, intervalMs);
     created.clients_.push_back(client);
     created.Start();
 }
