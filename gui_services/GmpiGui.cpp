@@ -18,13 +18,6 @@ int32_t MpCompletionHandler::queryInterface(const gmpi::MpGuid& iid, void** retu
     return gmpi::MP_NOSUPPORT;
 }
 
-int32_t MpCompletionHandler::release() {
-    const auto count = static_cast<int32_t>(--refCount_);
-    if (count == 0)
-        delete this;
-    return count;
-}
-
 void MpCompletionHandler::OnComplete(int32_t result) {
     // The callback may release the object that owns this handler: keep it alive for the call.
     addRef();
