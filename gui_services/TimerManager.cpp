@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "HostBoundary.h"
+
 // ---- se_sdk_timers::Timer
 
 namespace se_sdk_timers {
@@ -104,11 +106,8 @@ void TimerManager::OnTimer(void* handle) noexcept {
     if (group == groups_.end())
         return;
     ++tickDepth_;
-    try {
-        group->OnTimer();
-    } catch (...) {
-        // A client that throws ends this tick; the group keeps its clients and its rhythm.
-    }
+    // A client that throws ends this tick; the group keeps its clients and its rhythm.
+    kx::guarded([&] { group->OnTimer(); });
     if (--tickDepth_ == 0)
         retired_.clear();
 }
