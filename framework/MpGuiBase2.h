@@ -6,7 +6,6 @@
 #include "HostBoundary.h"
 #include "MpGuiPin.h"
 #include "RefCounted.h"
-#include "gmpi/IMpLegacyInitialization.h"
 #include "gmpi/IMpUserInterface.h"
 #include "gmpi/IMpUserInterface2.h"
 #include "gmpi/IMpUserInterfaceHost.h"
@@ -67,32 +66,3 @@ protected:
 
 // Base of GUI modules without graphics: adds the reference count.
 class SeGuiInvisibleBase : public kx::RefCounted<MpGuiBase2> {};
-
-// The first-generation GUI base. No module of the pack uses it; kept so that the framework serves hosts
-// that only speak the first-generation interfaces.
-class MpGuiBase_base : public kx::RefCounted<gmpi::IMpUserInterface, IoldSchoolInitialisation,
-                                             gmpi::IMpLegacyInitialization, GuiPinOwner> {
-public:
-    using Handler = void (gmpi::IMpUserInterface::*)();
-    using IndexedHandler = void (gmpi::IMpUserInterface::*)(int voice);
-
-    ~MpGuiBase_base() override = default;
-
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
-    // Throws std::runtime_error("host Interfaces not supported") when the host lacks the first-generation
-    // GUI host interface.
-    int32_t setHost(gmpi::IMpUnknown* host) override;
-    int32_t initialize() override { return gmpi::MP_OK; }
-    int32_t setPin(int32_t pinId, int32_t voice, int32_t size, const void* data) override {
-        return GuiPinOwner::setPin2(pinId, voice, size, data);
-    }
-    int32_t receiveMessageFromAudio(int32_t, int32_t, const void*) override { return gmpi::MP_FAIL; }
-    int32_t pinTransmit(int pinId, int size, const void* data, int voice) override;
-
-protected:
-    void initializePin(int index, MpGuiPinBase& pin, Handler handler = nullptr);
-    void initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler);
-    void initializePin(MpGuiPinBase& pin, Handler handler = nullptr) { initializePin(nextPinIndex(), pin, handler); }
-
-    gmpi::IMpUserInterfaceHost* host_ = nullptr;
-};

@@ -59,8 +59,6 @@ public:
     int32_t setPin(int index, int voice, int size, const void* data);
     // Runs the pin's handler, if it has one. 0, or -1 for an unbound index.
     int32_t notifyPin(int index, int voice);
-    // setPin, then the handler only when the value changed (the first-generation host's single call).
-    int32_t setPin2(int index, int voice, int size, const void* data);
     // Sends a pin value to the host.
     virtual int32_t pinTransmit(int index, int size, const void* data, int voice) = 0;
     // One more than the highest bound index, or 0.
