@@ -248,14 +248,14 @@ void FontCache::RemoveClient() {
 // ---- FontCacheClient
 
 GmpiDrawing::TextFormat FontCacheClient::GetTextFormat(const std::string& style) {
-    auto* module = dynamic_cast<gmpi_gui::MpGuiGfxBase*>(this);
+    auto* module = owningModule();
     if (!module)
         return {};
     return FontCache::instance().GetTextFormat(module->getHost(), module->getGuiHost(), style);
 }
 
 const FontMetadata* FontCacheClient::GetFontMetatdata(const std::string& style) {
-    auto* module = dynamic_cast<gmpi_gui::MpGuiGfxBase*>(this);
+    auto* module = owningModule();
     if (!module)
         return nullptr;
     return FontCache::instance().getSkin(module->getHost())->getFont(style);
