@@ -1,5 +1,7 @@
 #include "MpBase2.h"
 
+#include "ModuleSupport.h"
+
 // ---- pins
 
 void MpPinBase::processEvent(const gmpi::MpEvent* e) {
@@ -78,13 +80,6 @@ int32_t MpPluginBase::queryInterface(const gmpi::MpGuid& iid, void** returnInter
     return gmpi::MP_OK;
 }
 
-int32_t MpPluginBase::release() {
-    const auto count = static_cast<int32_t>(--refCount);
-    if (count == 0)
-        delete this;
-    return count;
-}
-
 int32_t MpPluginBase::setBuffer(int32_t pinId, float* buffer) {
     MpPinBase* pin = getPin(pinId);
     return pin ? pin->setBuffer(buffer) : gmpi::MP_FAIL;
@@ -97,12 +92,7 @@ int32_t MpPluginBase::receiveMessageFromGui(int32_t id, int32_t size, void* data
 int32_t MpPluginBase::receiveMessageFromGui(int32_t id, int32_t size, const void* data) {
     if (inGuiMessage)
         return gmpi::MP_OK;
-    // Cleared on every way out, a throwing handler included.
-    struct Flag {
-        bool& f;
-        explicit Flag(bool& flag) : f(flag) { f = true; }
-        ~Flag() { f = false; }
-    } flag(inGuiMessage);
+    const kx::ReentryFlag handling(inGuiMessage);
     return onGuiMessage(id, size, data);
 }
 
@@ -115,7 +105,7 @@ int32_t MpPluginBase::setHost(gmpi::IMpUnknown* hostObject) {
     found = nullptr;
     const int32_t result = hostObject->queryInterface(gmpi::MP_IID_HOST, &found);
     if (result == gmpi::MP_OK && found)
-        host.adopt(static_cast<gmpi::IMpAudioHost*>(found));
+        host = gmpi_sdk::mp_shared_ptr<gmpi::IMpAudioHost>::adopt(static_cast<gmpi::IMpAudioHost*>(found));
     return result;
 }
 
@@ -150,7 +140,11 @@ MpPinBase* MpPluginBase::getPin(int index) const {
     return it == pins.end() ? nullptr : it->second;
 }
 
-void MpPluginBase::routeEvents(int32_t count, const gmpi::MpEvent* events) {
+// ---- MpBase2
+
+MpBase2::MpBase2() : curSubProcess(&MpBase2::subProcessPreSleep), saveSubProcess(&MpBase2::subProcessNothing) {}
+
+void MpBase2::process(int32_t count, const gmpi::MpEvent* events) {
     if (count < 0)
         count = 0;
     blockPosition = 0;
@@ -160,7 +154,7 @@ void MpPluginBase::routeEvents(int32_t count, const gmpi::MpEvent* events) {
         // position that is still ahead, never before samples already processed.
         const int32_t stamp = std::clamp(e->timeDelta, blockPosition, count);
         if (stamp > blockPosition) {
-            runSubProcess(stamp - blockPosition);
+            (this->*curSubProcess)(stamp - blockPosition);
             blockPosition = stamp;
         }
         const gmpi::MpEvent* end = e;
@@ -191,13 +185,9 @@ void MpPluginBase::routeEvents(int32_t count, const gmpi::MpEvent* events) {
         e = end;
     }
     if (count > blockPosition)
-        runSubProcess(count - blockPosition);
+        (this->*curSubProcess)(count - blockPosition);
     blockPosition = 0;
 }
-
-// ---- MpBase2
-
-MpBase2::MpBase2() : curSubProcess(&MpBase2::subProcessPreSleep), saveSubProcess(&MpBase2::subProcessNothing) {}
 
 void MpBase2::OnPinStreamingChange(bool isStreaming) {
     streamingPins += isStreaming ? 1 : -1;
@@ -237,38 +227,4 @@ void MpBase2::subProcessPreSleep(int sampleFrames) {
     blockPosition = start;
     if (sleepCount == 0 && curSubProcess == &MpBase2::subProcessPreSleep && canSleep && host)
         host->sleep();
-}
-
-// ---- MpBase
-
-MpBase::MpBase() : curSubProcess(&MpBase::subProcessPreSleep), saveSubProcess(&MpBase::subProcessNothing) {}
-
-void MpBase::OnPinStreamingChange(bool isStreaming) {
-    streamingPins += isStreaming ? 1 : -1;
-    if (streamingPins < 0)
-        streamingPins = 0;
-    curSubProcess = streamingPins > 0 && sleepRequested != 1 ? saveSubProcess : &MpBase::subProcessPreSleep;
-}
-
-bool MpBase::setSleep(bool isOkToSleep) {
-    if (isOkToSleep)
-        curSubProcess = &MpBase::subProcessPreSleep;
-    sleepRequested = isOkToSleep ? 1 : 0;
-    return isOkToSleep;
-}
-
-void MpBase::setSubProcessImpl(SubProcess subProcess) {
-    if (curSubProcess == saveSubProcess)
-        curSubProcess = subProcess;
-    saveSubProcess = subProcess;
-}
-
-void MpBase::subProcessPreSleep(int bufferOffset, int sampleFrames) {
-    (this->*saveSubProcess)(bufferOffset, sampleFrames);
-    sleepCount -= sampleFrames;
-    if (sleepCount <= 0) {
-        sleepCount = 0;
-        if (canSleep && curSubProcess == &MpBase::subProcessPreSleep && host)
-            host->sleep();
-    }
 }

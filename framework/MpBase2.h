@@ -5,62 +5,26 @@
 #include <map>
 #include <type_traits>
 
+#include "HostBoundary.h"
+#include "MpCountedPtr.h"
 #include "MpPins.h"
+#include "RefCounted.h"
 #include "gmpi/IMpAudioHost.h"
 #include "gmpi/IMpLegacyInitialization.h"
 #include "gmpi/IMpPlugin.h"
 
-namespace kx {
-template <class T>
-class GuardedDsp;
-
-// Holds one counted reference to a host interface and drops it when replaced or destroyed.
-template <class I>
-class HostRef {
-public:
-    HostRef() = default;
-    HostRef(const HostRef&) = delete;
-    HostRef& operator=(const HostRef&) = delete;
-    ~HostRef() { reset(); }
-    // Takes over a reference the caller already holds (as queryInterface hands out).
-    void adopt(I* p) {
-        reset();
-        p_ = p;
-    }
-    void reset() {
-        if (p_)
-            p_->release();
-        p_ = nullptr;
-    }
-    I* get() const { return p_; }
-    I* operator->() const { return p_; }
-    explicit operator bool() const { return p_ != nullptr; }
-
-private:
-    I* p_ = nullptr;
-};
-}  // namespace kx
-
-class MpPluginBase : public gmpi::IMpPlugin,
-                     public gmpi::IMpPlugin2,
-                     public IoldSchoolInitialisation,
-                     public gmpi::IMpLegacyInitialization {
+class MpPluginBase : public kx::RefCounted<gmpi::IMpPlugin, gmpi::IMpPlugin2, IoldSchoolInitialisation,
+                                           gmpi::IMpLegacyInitialization> {
 public:
     // What the factory needs to know to create a class derived from this one.
     static constexpr int32_t sub_type = gmpi::MP_SUB_TYPE_AUDIO;
     using principal_interface = gmpi::IMpPlugin2;
-    template <class T>
-    using Guard = kx::GuardedDsp<T>;
 
     MpPluginBase() = default;
-    MpPluginBase(const MpPluginBase&) = delete;
-    MpPluginBase& operator=(const MpPluginBase&) = delete;
-    virtual ~MpPluginBase() = default;
+    ~MpPluginBase() override = default;
 
     // ---- faces the host calls
     int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
-    int32_t addRef() override { return static_cast<int32_t>(++refCount); }
-    int32_t release() override;
     // Modules that override open (to ask the host something) must call this one.
     int32_t open() override { return gmpi::MP_OK; }
     int32_t setBuffer(int32_t pinId, float* buffer) override;
@@ -114,13 +78,7 @@ protected:
     }
     int nextPinIndex() const { return pins.empty() ? 0 : pins.rbegin()->first + 1; }
 
-    // Routes one block's events (see MpBase2::process); runSubProcess is called for the stretches
-    // between time stamps and moves blockPosition on.
-    void routeEvents(int32_t count, const gmpi::MpEvent* events);
-    virtual void runSubProcess(int sampleFrames) = 0;
-
-    uint32_t refCount = 1;
-    kx::HostRef<gmpi::IMpAudioHost> host;
+    gmpi_sdk::mp_shared_ptr<gmpi::IMpAudioHost> host;
     gmpi::IMpProcessorHost* processorHost = nullptr;  // not counted: the host outlives its modules
     std::map<int32_t, MpPinBase*> pins;
     int32_t blockPosition = 0;
@@ -143,7 +101,7 @@ public:
     // sub-process runs up to it; the events of one time stamp are stored into their pins (first pass),
     // handled (second pass, graph start included), followed by one onSetPins when any changed a pin,
     // and cleared (last pass). After the last event the sub-process runs to the end of the block.
-    void process(int32_t count, const gmpi::MpEvent* events) override { routeEvents(count, events); }
+    void process(int32_t count, const gmpi::MpEvent* events) override;
     void OnPinStreamingChange(bool isStreaming) override;
 
     // true: go through subProcessPreSleep, which runs the chosen sub-process until the sleep count is
@@ -157,92 +115,8 @@ public:
     void subProcessPreSleep(int sampleFrames);
 
 protected:
-    void runSubProcess(int sampleFrames) override { (this->*curSubProcess)(sampleFrames); }
     void setSubProcessImpl(SubProcess subProcess);
 
     SubProcess curSubProcess;
     SubProcess saveSubProcess;
 };
-
-// The older base, whose sub-processes take the buffer offset as well. No module of the pack uses it.
-class MpBase : public MpPluginBase {
-public:
-    using SubProcess = void (MpBase::*)(int bufferOffset, int sampleFrames);
-
-    MpBase();
-    using MpPluginBase::process;
-    void process(int32_t count, const gmpi::MpEvent* events) override { routeEvents(count, events); }
-    void OnPinStreamingChange(bool isStreaming) override;
-    bool setSleep(bool isOkToSleep);
-    template <class M, std::enable_if_t<std::is_base_of_v<MpBase, M>, int> = 0>
-    void setSubProcess(void (M::*subProcess)(int, int)) {
-        setSubProcessImpl(static_cast<SubProcess>(subProcess));
-    }
-    void subProcessNothing(int, int) {}
-    void subProcessPreSleep(int bufferOffset, int sampleFrames);
-
-protected:
-    void runSubProcess(int sampleFrames) override { (this->*curSubProcess)(blockPosition, sampleFrames); }
-    void setSubProcessImpl(SubProcess subProcess);
-
-    SubProcess curSubProcess;
-    SubProcess saveSubProcess;
-};
-
-namespace kx {
-
-// Every DSP module the factory creates is wrapped in this: each entry the host can call catches what
-// the module's own code throws; results become -1, and process, which has none, just returns.
-template <class T>
-class GuardedDsp : public T {
-public:
-    int32_t setHost(gmpi::IMpUnknown* h) override {
-        try {
-            return T::setHost(h);
-        } catch (...) {
-            return gmpi::MP_FAIL;
-        }
-    }
-    int32_t open() override {
-        try {
-            return T::open();
-        } catch (...) {
-            return gmpi::MP_FAIL;
-        }
-    }
-    int32_t setBuffer(int32_t pinId, float* buffer) override {
-        try {
-            return T::setBuffer(pinId, buffer);
-        } catch (...) {
-            return gmpi::MP_FAIL;
-        }
-    }
-    void process(int32_t count, gmpi::MpEvent* events) override {
-        try {
-            T::process(count, events);
-        } catch (...) {
-        }
-    }
-    void process(int32_t count, const gmpi::MpEvent* events) override {
-        try {
-            T::process(count, events);
-        } catch (...) {
-        }
-    }
-    int32_t receiveMessageFromGui(int32_t id, int32_t size, void* data) override {
-        try {
-            return T::receiveMessageFromGui(id, size, data);
-        } catch (...) {
-            return gmpi::MP_FAIL;
-        }
-    }
-    int32_t receiveMessageFromGui(int32_t id, int32_t size, const void* data) override {
-        try {
-            return T::receiveMessageFromGui(id, size, data);
-        } catch (...) {
-            return gmpi::MP_FAIL;
-        }
-    }
-};
-
-}  // namespace kx

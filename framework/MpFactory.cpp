@@ -57,15 +57,13 @@ int32_t MpFactory::create(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnk
     created = nullptr;
     if (!uniqueId)
         return gmpi::MP_NOSUPPORT;
-    try {
+    return kx::guarded([&] {
         const auto it = registry_.find(std::make_pair(subType, std::wstring(uniqueId)));
         if (it == registry_.end() || !it->second)
             return gmpi::MP_NOSUPPORT;
         created = it->second();
-    } catch (...) {
-        return gmpi::MP_FAIL;
-    }
-    return gmpi::MP_OK;
+        return gmpi::MP_OK;
+    });
 }
 
 int32_t MpFactory::createInstance(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnknown* host,
@@ -83,14 +81,9 @@ int32_t MpFactory::createInstance(const wchar_t* uniqueId, int32_t subType, gmpi
     // The legacy initialisation face is found by a type query, not queryInterface. When setHost fails
     // (modules made by Register<T> turn a throw into -1 at their boundary) the object stays with the
     // caller, who owns it.
-    if (auto* legacy = dynamic_cast<gmpi::IMpLegacyInitialization*>(object)) {
-        try {
-            if (legacy->setHost(host) == gmpi::MP_FAIL)
-                return gmpi::MP_FAIL;
-        } catch (...) {
+    if (auto* legacy = dynamic_cast<gmpi::IMpLegacyInitialization*>(object))
+        if (kx::guarded([&] { return legacy->setHost(host); }) == gmpi::MP_FAIL)
             return gmpi::MP_FAIL;
-        }
-    }
     return gmpi::MP_OK;
 }
 
@@ -107,7 +100,7 @@ int32_t MpFactory::createInstance2(const wchar_t* uniqueId, int32_t subType, voi
 
 int32_t MpFactory::getSdkInformation(int32_t& returnSdkVersion, int32_t maxChars, wchar_t* returnCompilerInformation) {
     returnSdkVersion = 30800;
-    try {
+    kx::guarded([&] {
         std::wostringstream text;
         text << L"GCC Compiler V" << 1002 << L" (Release)";
         const std::wstring info = text.str();
@@ -117,17 +110,14 @@ int32_t MpFactory::getSdkInformation(int32_t& returnSdkVersion, int32_t maxChars
             std::copy_n(info.data(), n, returnCompilerInformation);
             returnCompilerInformation[n] = L'\0';
         }
-    } catch (...) {
-    }
+    });
     return gmpi::MP_OK;
 }
 
 extern "C" __attribute__((visibility("default"))) int32_t MP_GetFactory(void** returnInterface) {
-    try {
-        return Factory()->queryInterface(gmpi::MP_IID_UNKNOWN, returnInterface);
-    } catch (...) {
-        if (returnInterface)
-            *returnInterface = nullptr;
-        return gmpi::MP_FAIL;
-    }
+    const int32_t result =
+        kx::guarded([&] { return Factory()->queryInterface(gmpi::MP_IID_UNKNOWN, returnInterface); });
+    if (result == gmpi::MP_FAIL && returnInterface)
+        *returnInterface = nullptr;
+    return result;
 }

@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "HostBoundary.h"
 #include "gmpi/IMpFactory.h"
 
 using MP_CreateFunc2 = gmpi::IMpUnknown* (*)();
@@ -49,12 +50,12 @@ int32_t RegisterPluginXml(const char* xml);
 namespace gmpi {
 
 // The creator and registration of one module class. The side comes from the class's base (GUI bases
-// register side 2, DSP bases side 0); the object the factory hands out is wrapped so that exceptions
-// from the module's own code stop at the boundary.
+// register side 2, DSP bases side 0); the object the factory hands out is a kx::Guarded<T>, so that
+// exceptions from the module's own code stop at the boundary.
 template <class T>
 struct Register {
     static IMpUnknown* create() {
-        auto* object = new typename T::template Guard<T>();
+        auto* object = new kx::Guarded<T>();
         return static_cast<typename T::principal_interface*>(object);
     }
     static bool withId(const wchar_t* uniqueId) {

@@ -1,7 +1,6 @@
 #include "MpGuiBase2.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 // ---- GuiPinOwner
 
@@ -33,16 +32,6 @@ int32_t GuiPinOwner::notifyPin(int index, int voice) {
         return gmpi::MP_FAIL;
     if (IGuiPinCallbackImpl* callback = pin->getCallback())
         (*callback)(voice);
-    return gmpi::MP_OK;
-}
-
-int32_t GuiPinOwner::setPin2(int index, int voice, int size, const void* data) {
-    MpGuiPinBase* pin = getPin(index);
-    if (!pin)
-        return gmpi::MP_FAIL;
-    if (pin->set(voice, size, data))
-        if (IGuiPinCallbackImpl* callback = pin->getCallback())
-            (*callback)(voice);
     return gmpi::MP_OK;
 }
 
@@ -83,47 +72,5 @@ void MpGuiBase2::initializePin(int index, MpGuiPinBase& pin, Handler handler) {
 
 void MpGuiBase2::initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler) {
     pin.bind(index, this, std::make_unique<IGuiPinCallbackIndexed<gmpi::IMpUserInterface2>>(this, handler));
-    addPin(index, pin);
-}
-
-// ---- MpGuiBase_base
-
-int32_t MpGuiBase_base::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
-    if (!returnInterface)
-        return gmpi::MP_NOSUPPORT;
-    *returnInterface = nullptr;
-    if (gmpi::isUnknownIid(iid) || gmpi::isGuiPluginIid(iid)) {
-        *returnInterface = static_cast<gmpi::IMpUserInterface*>(this);
-    } else if (iid == gmpi::MP_IID_LEGACY_INITIALIZATION) {
-        *returnInterface = static_cast<gmpi::IMpLegacyInitialization*>(this);
-    } else {
-        return gmpi::MP_NOSUPPORT;
-    }
-    addRef();
-    return gmpi::MP_OK;
-}
-
-int32_t MpGuiBase_base::setHost(gmpi::IMpUnknown* hostObject) {
-    void* found = nullptr;
-    if (!hostObject || hostObject->queryInterface(gmpi::MP_IID_UI_HOST, &found) != gmpi::MP_OK || !found)
-        throw std::runtime_error("host Interfaces not supported");
-    host_ = static_cast<gmpi::IMpUserInterfaceHost*>(found);
-    return gmpi::MP_OK;
-}
-
-int32_t MpGuiBase_base::pinTransmit(int pinId, int size, const void* data, int voice) {
-    return host_ ? host_->pinTransmit(pinId, size, data, voice) : gmpi::MP_FAIL;
-}
-
-void MpGuiBase_base::initializePin(int index, MpGuiPinBase& pin, Handler handler) {
-    std::unique_ptr<IGuiPinCallbackImpl> callback;
-    if (handler)
-        callback = std::make_unique<IGuiPinCallback<gmpi::IMpUserInterface>>(this, handler);
-    pin.bind(index, this, std::move(callback));
-    addPin(index, pin);
-}
-
-void MpGuiBase_base::initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler) {
-    pin.bind(index, this, std::make_unique<IGuiPinCallbackIndexed<gmpi::IMpUserInterface>>(this, handler));
     addPin(index, pin);
 }

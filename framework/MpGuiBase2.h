@@ -1,28 +1,21 @@
 // The GUI half of a module: the host-facing face (setHost, setPin/notifyPin, ...) over the pin table.
 #pragma once
 
-#include <exception>
 #include <type_traits>
 
+#include "HostBoundary.h"
 #include "MpGuiPin.h"
-#include "gmpi/IMpLegacyInitialization.h"
+#include "RefCounted.h"
 #include "gmpi/IMpUserInterface.h"
 #include "gmpi/IMpUserInterface2.h"
 #include "gmpi/IMpUserInterfaceHost.h"
 #include "gmpi/IMpUserInterfaceHost2.h"
-
-namespace kx {
-template <class T>
-class GuardedGui;
-}
 
 class MpGuiBase2 : public gmpi::IMpUserInterface2B, public GuiPinOwner {
 public:
     // What the factory needs to know to create a class derived from this one.
     static constexpr int32_t sub_type = gmpi::MP_SUB_TYPE_GUI2;
     using principal_interface = gmpi::IMpUserInterface2B;
-    template <class T>
-    using Guard = kx::GuardedGui<T>;
 
     MpGuiBase2() = default;
     ~MpGuiBase2() override = default;
@@ -72,103 +65,4 @@ protected:
 };
 
 // Base of GUI modules without graphics: adds the reference count.
-class SeGuiInvisibleBase : public MpGuiBase2 {
-public:
-    int32_t addRef() override { return static_cast<int32_t>(++refCount); }
-    int32_t release() override {
-        const auto count = static_cast<int32_t>(--refCount);
-        if (count == 0)
-            delete this;
-        return count;
-    }
-
-private:
-    uint32_t refCount = 1;
-};
-
-// The first-generation GUI base. No module of the pack uses it; kept so that the framework serves hosts
-// that only speak the first-generation interfaces.
-class MpGuiBase_base : public gmpi::IMpUserInterface,
-                       public IoldSchoolInitialisation,
-                       public gmpi::IMpLegacyInitialization,
-                       public GuiPinOwner {
-public:
-    using Handler = void (gmpi::IMpUserInterface::*)();
-    using IndexedHandler = void (gmpi::IMpUserInterface::*)(int voice);
-
-    ~MpGuiBase_base() override = default;
-
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
-    int32_t addRef() override { return static_cast<int32_t>(++refCount_); }
-    int32_t release() override {
-        const auto count = static_cast<int32_t>(--refCount_);
-        if (count == 0)
-            delete this;
-        return count;
-    }
-    // Throws std::runtime_error("host Interfaces not supported") when the host lacks the first-generation
-    // GUI host interface.
-    int32_t setHost(gmpi::IMpUnknown* host) override;
-    int32_t initialize() override { return gmpi::MP_OK; }
-    int32_t setPin(int32_t pinId, int32_t voice, int32_t size, const void* data) override {
-        return GuiPinOwner::setPin2(pinId, voice, size, data);
-    }
-    int32_t receiveMessageFromAudio(int32_t, int32_t, const void*) override { return gmpi::MP_FAIL; }
-    int32_t pinTransmit(int pinId, int size, const void* data, int voice) override;
-
-protected:
-    void initializePin(int index, MpGuiPinBase& pin, Handler handler = nullptr);
-    void initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler);
-    void initializePin(MpGuiPinBase& pin, Handler handler = nullptr) { initializePin(nextPinIndex(), pin, handler); }
-
-    gmpi::IMpUserInterfaceHost* host_ = nullptr;
-
-private:
-    uint32_t refCount_ = 1;
-};
-
-namespace kx {
-
-// Runs f and turns any exception into the boundary's failure code, so nothing a module throws reaches
-// the host.
-template <class F>
-int32_t guarded(F&& f) noexcept {
-    try {
-        return f();
-    } catch (...) {
-        return gmpi::MP_FAIL;
-    }
-}
-
-// Every GUI module the factory creates is wrapped in this: each entry the host can call catches what
-// the module's own code throws and answers -1.
-template <class T>
-class GuardedGui : public T {
-public:
-    int32_t setHost(gmpi::IMpUnknown* h) override {
-        return guarded([&] { return T::setHost(h); });
-    }
-    int32_t initialize() override {
-        return guarded([&] { return T::initialize(); });
-    }
-    int32_t setPin(int32_t pinId, int32_t voice, int32_t size, const void* data) override {
-        return guarded([&] { return T::setPin(pinId, voice, size, data); });
-    }
-    int32_t notifyPin(int32_t pinId, int32_t voice) override {
-        return guarded([&] { return T::notifyPin(pinId, voice); });
-    }
-    int32_t receiveMessageFromAudio(int32_t id, int32_t size, const void* data) override {
-        return guarded([&] { return T::receiveMessageFromAudio(id, size, data); });
-    }
-    int32_t populateContextMenu(float x, float y, gmpi::IMpUnknown* sink) override {
-        return guarded([&] { return T::populateContextMenu(x, y, sink); });
-    }
-    int32_t onContextMenu(int32_t selection) override {
-        return guarded([&] { return T::onContextMenu(selection); });
-    }
-    int32_t getToolTip(float x, float y, gmpi::IMpUnknown* returnString) override {
-        return guarded([&] { return T::getToolTip(x, y, returnString); });
-    }
-};
-
-}  // namespace kx
+class SeGuiInvisibleBase : public kx::RefCounted<MpGuiBase2> {};

@@ -8,19 +8,10 @@
 #include <vector>
 
 #include "MpBlob.h"
+#include "MpPinDatatype.h"
 #include "TextCodec.h"
 #include "gmpi/IMpUserInterface.h"
 #include "gmpi/IMpUserInterface2.h"
-
-// Host pin datatype codes.
-enum MpPinDatatype : int32_t {
-    MP_DT_ENUM = 0,
-    MP_DT_TEXT = 1,
-    MP_DT_BOOL = 4,
-    MP_DT_FLOAT = 6,
-    MP_DT_INT = 8,
-    MP_DT_BLOB = 10,
-};
 
 class IGuiPinCallbackImpl {
 public:
@@ -68,8 +59,6 @@ public:
     int32_t setPin(int index, int voice, int size, const void* data);
     // Runs the pin's handler, if it has one. 0, or -1 for an unbound index.
     int32_t notifyPin(int index, int voice);
-    // setPin, then the handler only when the value changed (the first-generation host's single call).
-    int32_t setPin2(int index, int voice, int size, const void* data);
     // Sends a pin value to the host.
     virtual int32_t pinTransmit(int index, int size, const void* data, int voice) = 0;
     // One more than the highest bound index, or 0.

@@ -8,17 +8,13 @@
 #include <string>
 
 #include "MpBlob.h"
-#include "MpGuiPin.h"  // MpPinDatatype
+#include "MpPinDatatype.h"
 #include "gmpi/MpEvent.h"
 
 class MpPluginBase;
 
 // A pin's event handler: a member function of the module, called with the event that set the pin.
 using MpBaseMemberPtr = void (MpPluginBase::*)(const gmpi::MpEvent*);
-
-// Datatype codes of the pins that carry signals rather than values.
-inline constexpr int32_t MP_DT_AUDIO = 5;
-inline constexpr int32_t MP_DT_MIDI = 2;
 
 // Pin directions.
 inline constexpr int MP_IN = 0;

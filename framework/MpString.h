@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "HostBoundary.h"
 #include "gmpi/IString.h"
 
 namespace gmpi_sdk {
@@ -25,15 +26,13 @@ public:
     int32_t release() override { return 1; }
 
     int32_t setData(const char* data, int32_t size) override {
-        try {
+        return kx::guarded([&] {
             if (size > 0 && data)
                 text_.assign(data, static_cast<size_t>(size));
             else
                 text_.clear();
-        } catch (...) {
-            return gmpi::MP_FAIL;
-        }
-        return gmpi::MP_OK;
+            return gmpi::MP_OK;
+        });
     }
     int32_t getSize() override { return static_cast<int32_t>(text_.size()); }
     const char* getData() override { return text_.data(); }

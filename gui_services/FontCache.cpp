@@ -109,27 +109,16 @@ SkinMetadata::SkinMetadata() {
 
 void SkinMetadata::Serialise(std::string_view fileBytes) {
     styles_.clear();
-    std::vector<std::string> words;
-    size_t start = 0;
-    while (start <= fileBytes.size()) {
-        const size_t lf = fileBytes.find('\n', start);
-        std::string line(fileBytes.substr(start, lf == std::string_view::npos ? std::string_view::npos : lf - start));
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        words.clear();
-        SplitString(line.c_str(), words);
-        if (words.size() >= 2) {
-            if (words[0] == "FONT_CATEGORY") {
-                styles_.emplace_back();
-                styles_.back().category = lowerCase(words[1]);
-            } else if (!styles_.empty()) {
-                applyStyleLine(styles_.back(), words);
-            }
+    forEachLineWords(fileBytes, [this](const std::vector<std::string>& words) {
+        if (words.size() < 2)
+            return;
+        if (words[0] == "FONT_CATEGORY") {
+            styles_.emplace_back();
+            styles_.back().category = lowerCase(words[1]);
+        } else if (!styles_.empty()) {
+            applyStyleLine(styles_.back(), words);
         }
-        if (lf == std::string_view::npos)
-            break;
-        start = lf + 1;
-    }
+    });
     for (auto& style : styles_)
         if (style.fontFamilies.empty())
             style.fontFamilies.push_back("Verdana");
@@ -259,14 +248,14 @@ void FontCache::RemoveClient() {
 // ---- FontCacheClient
 
 GmpiDrawing::TextFormat FontCacheClient::GetTextFormat(const std::string& style) {
-    auto* module = dynamic_cast<gmpi_gui::MpGuiGfxBase*>(this);
+    auto* module = owningModule();
     if (!module)
         return {};
     return FontCache::instance().GetTextFormat(module->getHost(), module->getGuiHost(), style);
 }
 
 const FontMetadata* FontCacheClient::GetFontMetatdata(const std::string& style) {
-    auto* module = dynamic_cast<gmpi_gui::MpGuiGfxBase*>(this);
+    auto* module = owningModule();
     if (!module)
         return nullptr;
     return FontCache::instance().getSkin(module->getHost())->getFont(style);

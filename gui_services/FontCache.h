@@ -12,6 +12,7 @@
 #include <tuple>
 #include <vector>
 
+#include "CacheClient.h"
 #include "GmpiDrawing.h"
 #include "gmpi/IMpGraphicsHost.h"
 #include "gmpi/IMpUserInterfaceHost2.h"
@@ -131,13 +132,8 @@ private:
 };
 
 // Mixed into text-drawing widgets: keeps the cache's formats alive and finds the module's hosts.
-class FontCacheClient {
+class FontCacheClient : public CacheClient<FontCache> {
 public:
-    FontCacheClient() { FontCache::instance().AddClient(); }
-    FontCacheClient(const FontCacheClient&) : FontCacheClient() {}
-    FontCacheClient& operator=(const FontCacheClient&) = default;
-    virtual ~FontCacheClient() { FontCache::instance().RemoveClient(); }
-
     // Null results when this object is not part of a graphic module.
     GmpiDrawing::TextFormat GetTextFormat(const std::string& style);
     const FontMetadata* GetFontMetatdata(const std::string& style);

@@ -1,5 +1,6 @@
 #include "GmpiGui.h"
 
+#include "HostBoundary.h"
 #include "MpString.h"
 #include "TextCodec.h"
 #include "it_enum_list.h"
@@ -18,21 +19,13 @@ int32_t MpCompletionHandler::queryInterface(const gmpi::MpGuid& iid, void** retu
     return gmpi::MP_NOSUPPORT;
 }
 
-int32_t MpCompletionHandler::release() {
-    const auto count = static_cast<int32_t>(--refCount_);
-    if (count == 0)
-        delete this;
-    return count;
-}
-
 void MpCompletionHandler::OnComplete(int32_t result) {
     // The callback may release the object that owns this handler: keep it alive for the call.
     addRef();
-    try {
+    kx::guarded([&] {
         if (callback_)
             callback_(result);
-    } catch (...) {
-    }
+    });
     release();
 }
 

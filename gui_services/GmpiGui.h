@@ -6,6 +6,7 @@
 #include <string>
 
 #include "MpCountedPtr.h"
+#include "RefCounted.h"
 #include "gmpi/IMpCompletionHandler.h"
 #include "gmpi/IMpPlatformFileDialog.h"
 #include "gmpi/IMpPlatformText.h"
@@ -14,19 +15,16 @@ namespace gmpi_gui {
 
 // A counted host object (count starts at 1) that calls a callback when the host completes. Exceptions
 // from the callback stop here: the host calls OnComplete.
-class MpCompletionHandler final : public IMpCompletionHandler {
+class MpCompletionHandler final : public kx::RefCounted<IMpCompletionHandler> {
 public:
     explicit MpCompletionHandler(std::function<void(int32_t)> callback) : callback_(std::move(callback)) {}
 
     int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
-    int32_t addRef() override { return static_cast<int32_t>(++refCount_); }
-    int32_t release() override;
     void OnComplete(int32_t result) override;
 
 private:
-    ~MpCompletionHandler() = default;
+    ~MpCompletionHandler() override = default;
     std::function<void(int32_t)> callback_;
-    uint32_t refCount_ = 1;
 };
 
 }  // namespace gmpi_gui

@@ -79,7 +79,7 @@ void ImageCache::RemoveClient() {
 }
 
 GmpiDrawing::Bitmap ImageCacheClient::GetImage(const char* name, ImageMetadata** metadataOut) {
-    auto* module = dynamic_cast<gmpi_gui::MpGuiGfxBase*>(this);
+    auto* module = owningModule();
     if (!module) {
         if (metadataOut)
             *metadataOut = nullptr;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "CacheClient.h"
 #include "GmpiDrawing.h"
 #include "ImageMetadata.h"
 #include "gmpi/IMpGraphicsHost.h"
@@ -48,13 +49,8 @@ private:
 };
 
 // Keeps the cache's entries alive while the object exists; mixed into every image widget.
-class ImageCacheClient {
+class ImageCacheClient : public CacheClient<ImageCache> {
 public:
-    ImageCacheClient() { ImageCache::instance().AddClient(); }
-    ImageCacheClient(const ImageCacheClient&) : ImageCacheClient() {}
-    ImageCacheClient& operator=(const ImageCacheClient&) = default;
-    virtual ~ImageCacheClient() { ImageCache::instance().RemoveClient(); }
-
     // GetImage with the owning module's GUI host and graphics host; a null bitmap when this object is not
     // part of a graphic module or the module has no hosts yet.
     GmpiDrawing::Bitmap GetImage(const char* name, ImageMetadata** metadataOut);

@@ -78,23 +78,10 @@ void applyLine(ImageMetadata& m, const std::vector<std::string>& words) {
 }  // namespace
 
 void ImageMetadata::Serialise(std::string_view fileBytes) {
-    size_t start = 0;
-    std::vector<std::string> words;
-    while (start <= fileBytes.size()) {
-        const size_t lf = fileBytes.find('\n', start);
-        std::string line(fileBytes.substr(start, lf == std::string_view::npos ? std::string_view::npos : lf - start));
-        // A carriage return before a line feed is dropped; on the last line it is white space to the
-        // tokeniser anyway.
-        if (lf != std::string_view::npos && !line.empty() && line.back() == '\r')
-            line.pop_back();
-        words.clear();
-        SplitString(line.c_str(), words);
+    forEachLineWords(fileBytes, [this](const std::vector<std::string>& words) {
         if (!words.empty())
             applyLine(*this, words);
-        if (lf == std::string_view::npos)
-            break;
-        start = lf + 1;
-    }
+    });
 }
 
 std::string ImageMetadata::metadataFileName(const std::string& imageName) {

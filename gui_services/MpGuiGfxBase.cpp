@@ -15,13 +15,6 @@ int32_t MpGuiGfxBase::queryInterface(const gmpi::MpGuid& iid, void** returnInter
     return MpGuiBase2::queryInterface(iid, returnInterface);
 }
 
-int32_t MpGuiGfxBase::release() {
-    const auto count = static_cast<int32_t>(--refCount_);
-    if (count == 0)
-        delete this;
-    return count;
-}
-
 int32_t MpGuiGfxBase::setHost(gmpi::IMpUnknown* hostObject) {
     graphicsHost_ = gmpi_sdk::queryAs<IMpGraphicsHost>(hostObject, SE_IID_GRAPHICS_HOST);
     return MpGuiBase2::setHost(hostObject);

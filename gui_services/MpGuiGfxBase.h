@@ -9,15 +9,9 @@
 #include "gmpi/IMpGraphicsHost.h"
 
 namespace gmpi_gui {
-template <class T>
-class GuardedGfx;
 
-class MpGuiGfxBase : public MpGuiBase2 {
+class MpGuiGfxBase : public kx::RefCounted<MpGuiBase2> {
 public:
-    // Objects the factory creates are wrapped so that the graphics entries are guarded too.
-    template <class T>
-    using Guard = GuardedGfx<T>;
-
     MpGuiGfxBase() = default;
     MpGuiGfxBase(const MpGuiGfxBase&) = delete;
     MpGuiGfxBase& operator=(const MpGuiGfxBase&) = delete;
@@ -25,8 +19,6 @@ public:
 
     // Both faces share the module's one reference count.
     int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
-    int32_t addRef() override { return static_cast<int32_t>(++refCount_); }
-    int32_t release() override;
     // Looks up the graphics host before the base's host lookup; a host without one leaves it null.
     int32_t setHost(gmpi::IMpUnknown* host) override;
 
@@ -76,70 +68,51 @@ protected:
     GmpiDrawing_API::MP1_RECT rect_{0, 0, 0, 0};
 
 private:
-    // The graphics face the host holds: every entry is the module's own virtual of the same name.
+    // The graphics face the host holds. It implements the interface itself, so a slot added to the
+    // interface fails the build until it is forwarded here; every entry runs the module's own virtual of
+    // the same name inside kx::guarded, the graphics side's share of the host boundary (HostBoundary.h).
     class GraphicsFace final : public gmpi_gui_api::IMpGraphics2 {
     public:
         explicit GraphicsFace(MpGuiGfxBase& module) : module_(module) {}
         int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-            return module_.queryInterface(iid, out);
+            return kx::guarded([&] { return module_.queryInterface(iid, out); });
         }
-        int32_t addRef() override { return module_.addRef(); }
-        int32_t release() override { return module_.release(); }
+        int32_t addRef() override {
+            return kx::guarded([&] { return module_.addRef(); });
+        }
+        int32_t release() override {
+            return kx::guarded([&] { return module_.release(); });
+        }
         int32_t measure(GmpiDrawing_API::MP1_SIZE available, GmpiDrawing_API::MP1_SIZE* desired) override {
-            return module_.measure(available, desired);
+            return kx::guarded([&] { return module_.measure(available, desired); });
         }
-        int32_t arrange(GmpiDrawing_API::MP1_RECT r) override { return module_.arrange(r); }
-        int32_t OnRender(GmpiDrawing_API::IMpDeviceContext* dc) override { return module_.OnRender(dc); }
+        int32_t arrange(GmpiDrawing_API::MP1_RECT r) override {
+            return kx::guarded([&] { return module_.arrange(r); });
+        }
+        int32_t OnRender(GmpiDrawing_API::IMpDeviceContext* dc) override {
+            return kx::guarded([&] { return module_.OnRender(dc); });
+        }
         int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
-            return module_.onPointerDown(flags, p);
+            return kx::guarded([&] { return module_.onPointerDown(flags, p); });
         }
         int32_t onPointerMove(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
-            return module_.onPointerMove(flags, p);
+            return kx::guarded([&] { return module_.onPointerMove(flags, p); });
         }
         int32_t onPointerUp(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
-            return module_.onPointerUp(flags, p);
+            return kx::guarded([&] { return module_.onPointerUp(flags, p); });
         }
-        int32_t hitTest(GmpiDrawing_API::MP1_POINT p) override { return module_.hitTest(p); }
-        int32_t getToolTip(GmpiDrawing_API::MP1_POINT p, gmpi::IString* s) override { return module_.getToolTip(p, s); }
+        int32_t hitTest(GmpiDrawing_API::MP1_POINT p) override {
+            return kx::guarded([&] { return module_.hitTest(p); });
+        }
+        int32_t getToolTip(GmpiDrawing_API::MP1_POINT p, gmpi::IString* s) override {
+            return kx::guarded([&] { return module_.getToolTip(p, s); });
+        }
 
     private:
         MpGuiGfxBase& module_;
     };
 
     GraphicsFace graphicsFace_{*this};
-    uint32_t refCount_ = 1;
-};
-
-// The factory's wrapper of graphic modules: the GUI entries as kx::GuardedGui guards them, plus every
-// graphics entry, so nothing a module throws while drawing or handling the pointer reaches the host.
-template <class T>
-class GuardedGfx : public kx::GuardedGui<T> {
-public:
-    int32_t measure(GmpiDrawing_API::MP1_SIZE available, GmpiDrawing_API::MP1_SIZE* desired) override {
-        return kx::guarded([&] { return T::measure(available, desired); });
-    }
-    int32_t arrange(GmpiDrawing_API::MP1_RECT r) override {
-        return kx::guarded([&] { return T::arrange(r); });
-    }
-    int32_t OnRender(GmpiDrawing_API::IMpDeviceContext* dc) override {
-        return kx::guarded([&] { return T::OnRender(dc); });
-    }
-    int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
-        return kx::guarded([&] { return T::onPointerDown(flags, p); });
-    }
-    int32_t onPointerMove(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
-        return kx::guarded([&] { return T::onPointerMove(flags, p); });
-    }
-    int32_t onPointerUp(int32_t flags, GmpiDrawing_API::MP1_POINT p) override {
-        return kx::guarded([&] { return T::onPointerUp(flags, p); });
-    }
-    int32_t hitTest(GmpiDrawing_API::MP1_POINT p) override {
-        return kx::guarded([&] { return T::hitTest(p); });
-    }
-    int32_t getToolTip(GmpiDrawing_API::MP1_POINT p, gmpi::IString* s) override {
-        return kx::guarded([&] { return T::getToolTip(p, s); });
-    }
-    using kx::GuardedGui<T>::getToolTip;
 };
 
 }  // namespace gmpi_gui

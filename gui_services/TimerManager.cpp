@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "HostBoundary.h"
+
 // ---- se_sdk_timers::Timer
 
 namespace se_sdk_timers {
@@ -10,7 +12,7 @@ void Timer::Start() {
     Stop();
     if (clients_.empty())
         return;
-    handle_ = TimerManager::Instance().backend().create(interval_, this);
+    handle_ = manager_.backend().create(interval_, this);
 }
 
 void Timer::Stop() {
@@ -18,7 +20,7 @@ void Timer::Stop() {
         return;
     void* handle = handle_;
     handle_ = nullptr;
-    TimerManager::Instance().backend().destroy(handle);
+    manager_.backend().destroy(handle);
 }
 
 bool Timer::contains(const TimerClient* client) const {
@@ -73,7 +75,7 @@ void TimerManager::RegisterClient(TimerClient* client, int intervalMs) {
             group->Start();
         return;
     }
-    auto& created = groups_.emplace_back(intervalMs);
+    auto& created = groups_.emplace_back(*this, intervalMs);
     created.clients_.push_back(client);
     created.Start();
 }
@@ -104,11 +106,8 @@ void TimerManager::OnTimer(void* handle) noexcept {
     if (group == groups_.end())
         return;
     ++tickDepth_;
-    try {
-        group->OnTimer();
-    } catch (...) {
-        // A client that throws ends this tick; the group keeps its clients and its rhythm.
-    }
+    // A client that throws ends this tick; the group keeps its clients and its rhythm.
+    kx::guarded([&] { group->OnTimer(); });
     if (--tickDepth_ == 0)
         retired_.clear();
 }

@@ -34,10 +34,12 @@ TimerBackend& platformTimerBackend();
 
 namespace se_sdk_timers {
 
-// One group: every client registered under one interval, and the run-loop timer that drives them.
+// One group: every client registered under one interval, and the run-loop timer that drives them. It
+// reaches the backend through the manager that made it, never through TimerManager::Instance(): the
+// manager's destructor stops its groups while the process-wide instance is being torn down.
 class Timer {
 public:
-    explicit Timer(int intervalMs) : interval_(intervalMs) {}
+    Timer(TimerManager& manager, int intervalMs) : manager_(manager), interval_(intervalMs) {}
     Timer(const Timer&) = delete;
     Timer& operator=(const Timer&) = delete;
     ~Timer() { Stop(); }
@@ -59,6 +61,7 @@ private:
 
     bool contains(const TimerClient* client) const;
 
+    TimerManager& manager_;
     void* handle_ = nullptr;
     const int interval_;
     std::vector<TimerClient*> clients_;
@@ -113,13 +116,14 @@ private:
     TimerManager();
     ~TimerManager();
 
+    // First, so that it is still set while the groups below are destroyed.
+    kx::TimerBackend* backend_;
     std::list<se_sdk_timers::Timer> groups_;
     // Groups destroyed by UnRegisterClient while a tick was running; freed when the outermost tick ends,
     // since a tick (or one further out, through a nested run loop) may still be inside one of them.
     std::list<se_sdk_timers::Timer> retired_;
     int defaultInterval_ = 50;
     int tickDepth_ = 0;
-    kx::TimerBackend* backend_;
 };
 
 // Mix-in giving a GUI module periodic OnTimer() calls.

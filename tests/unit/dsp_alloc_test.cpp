@@ -15,7 +15,7 @@ namespace {
 template <class M>
 long allocationsWhileProcessing(const gmpi::MpEvent* events, float* buffer = nullptr, int bufferPin = -1) {
     kxtest::FakeAudioHost host;
-    auto* m = new kx::GuardedDsp<M>();
+    auto* m = new kx::Guarded<M>();
     m->setHost(host.unknown());
     if (buffer)
         m->setBuffer(bufferPin, buffer);

@@ -51,7 +51,7 @@ struct Probe : MpBase2 {
 
 struct Fixture : ::testing::Test {
     FakeAudioHost host;
-    kx::GuardedDsp<Probe>* probe = new kx::GuardedDsp<Probe>();
+    kx::Guarded<Probe>* probe = new kx::Guarded<Probe>();
     void SetUp() override { ASSERT_EQ(probe->setHost(host.unknown()), gmpi::MP_OK); }
     void TearDown() override {
         probe->release();
@@ -143,7 +143,7 @@ TEST_F(Fixture, MessageArrivingWhileOneIsHandledIsDroppedAndThrowsStopAtTheBound
 }
 
 TEST(DspBase, UnboundPinsAndMissingHostAreRefused) {
-    auto* probe = new kx::GuardedDsp<Probe>();
+    auto* probe = new kx::Guarded<Probe>();
     EXPECT_EQ(probe->setHost(nullptr), gmpi::MP_NOSUPPORT);
     float buffer[8];
     EXPECT_EQ(probe->setBuffer(3, buffer), gmpi::MP_OK);

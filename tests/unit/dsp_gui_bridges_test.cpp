@@ -13,14 +13,14 @@ namespace {
 template <class Module, class Host>
 struct Made {
     Host host;
-    kx::GuardedDsp<Module>* dsp = nullptr;
+    kx::Guarded<Module>* dsp = nullptr;
     Module* operator->() { return dsp; }
 };
 
 template <class T>
 struct DspSide {
     FakeAudioHost host;
-    kx::GuardedDsp<KX_DspGuiBridge<T>>* m = new kx::GuardedDsp<KX_DspGuiBridge<T>>();
+    kx::Guarded<KX_DspGuiBridge<T>>* m = new kx::Guarded<KX_DspGuiBridge<T>>();
     DspSide() { m->setHost(host.unknown()); }
     ~DspSide() { m->release(); }
 };
@@ -28,7 +28,7 @@ struct DspSide {
 template <class T>
 struct GuiSide {
     FakeGuiHost host;
-    kx::GuardedGui<KX_DspGuiBridgeGUI<T>>* m = new kx::GuardedGui<KX_DspGuiBridgeGUI<T>>();
+    kx::Guarded<KX_DspGuiBridgeGUI<T>>* m = new kx::Guarded<KX_DspGuiBridgeGUI<T>>();
     GuiSide() { m->setHost(host.unknown()); }
     ~GuiSide() { m->release(); }
 };

@@ -14,7 +14,7 @@ namespace {
 
 struct Trigger : ::testing::Test {
     FakeAudioHost host;
-    kx::GuardedDsp<KX_GUISet2Trig>* m = new kx::GuardedDsp<KX_GUISet2Trig>();
+    kx::Guarded<KX_GUISet2Trig>* m = new kx::Guarded<KX_GUISet2Trig>();
     std::vector<float> out = std::vector<float>(32, -1.0f);
     void SetUp() override {
         m->setHost(host.unknown());
@@ -68,7 +68,7 @@ TEST_F(Trigger, InvertedPulseAndIgnoredFirstTrigger) {
 
 TEST(Set2TrigGUI, FiveWarmUpNotificationsThenTogglesOncePerChange) {
     FakeGuiHost host;
-    auto* m = new kx::GuardedGui<KX_GUISet2TrigGUI>();
+    auto* m = new kx::Guarded<KX_GUISet2TrigGUI>();
     m->setHost(host.unknown());
     for (int i = 0; i < 5; ++i)
         kxtest::deliver(*m, i % 2 ? 1 : 6, i);
@@ -86,7 +86,7 @@ TEST(Set2TrigGUI, FiveWarmUpNotificationsThenTogglesOncePerChange) {
 
 TEST(GUISampleRate, DefaultUntilTheEngineReportsThenTheEnginesRate) {
     FakeGuiHost gui;
-    auto* g = new kx::GuardedGui<KX_GUISampleRateGUI>();
+    auto* g = new kx::Guarded<KX_GUISampleRateGUI>();
     g->setHost(gui.unknown());
     kxtest::deliver(*g, 0, 44100.0f);
     ASSERT_EQ(gui.on(1).size(), 1u);
@@ -94,7 +94,7 @@ TEST(GUISampleRate, DefaultUntilTheEngineReportsThenTheEnginesRate) {
 
     FakeAudioHost audio;
     audio.sampleRate = 48000.0f;
-    auto* d = new kx::GuardedDsp<KX_GUISampleRate>();
+    auto* d = new kx::Guarded<KX_GUISampleRate>();
     d->setHost(audio.unknown());
     EXPECT_EQ(d->open(), gmpi::MP_OK);
     ASSERT_EQ(audio.messages.size(), 1u);

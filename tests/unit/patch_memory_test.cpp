@@ -21,8 +21,8 @@ struct Made {
 };
 
 template <class Dsp>
-Made<kx::GuardedDsp<Dsp>, FakeAudioHost> dsp() {
-    return Made<kx::GuardedDsp<Dsp>, FakeAudioHost>(new kx::GuardedDsp<Dsp>());
+Made<kx::Guarded<Dsp>, FakeAudioHost> dsp() {
+    return Made<kx::Guarded<Dsp>, FakeAudioHost>(new kx::Guarded<Dsp>());
 }
 
 // The host echoes every parameter-side write back into the same pin, as it does for a host parameter.
@@ -71,7 +71,7 @@ TEST(PatchMemoryDsp, SendsOnlyChangesExceptText) {
 }
 
 TEST(PatchMemoryScalarGUI, PositionEchoIsNotWrittenBackAndNaNAlwaysCopies) {
-    Made<kx::GuardedGui<KX_PM_FLOAT_GUI>, FakeGuiHost> f(new kx::GuardedGui<KX_PM_FLOAT_GUI>());
+    Made<kx::Guarded<KX_PM_FLOAT_GUI>, FakeGuiHost> f(new kx::Guarded<KX_PM_FLOAT_GUI>());
     echoParameterPins(f.host, f.m, 5);
     kxtest::deliver(*f.m, 8, 0.25f);  // the patch moves the position
     ASSERT_EQ(f.host.sent.size(), 1u) << "pin 2 written once; its echo does not reach pin 8";
@@ -91,7 +91,7 @@ TEST(PatchMemoryScalarGUI, PositionEchoIsNotWrittenBackAndNaNAlwaysCopies) {
 }
 
 TEST(PatchMemoryScalarGUI, MenuSelectionAndGrabTravelOnlyToTheParameter) {
-    Made<kx::GuardedGui<KX_PM_INT_GUI>, FakeGuiHost> i(new kx::GuardedGui<KX_PM_INT_GUI>());
+    Made<kx::Guarded<KX_PM_INT_GUI>, FakeGuiHost> i(new kx::Guarded<KX_PM_INT_GUI>());
     kxtest::deliver(*i.m, 4, 3);
     kxtest::deliver(*i.m, 5, true);
     EXPECT_TRUE(i.host.sent.empty());
@@ -108,7 +108,7 @@ TEST(PatchMemoryScalarGUI, MenuSelectionAndGrabTravelOnlyToTheParameter) {
 }
 
 TEST(PatchMemoryValueGUI, ValueEchoIsNotWrittenBack) {
-    Made<kx::GuardedGui<KX_PM_TEXT_GUI>, FakeGuiHost> t(new kx::GuardedGui<KX_PM_TEXT_GUI>());
+    Made<kx::Guarded<KX_PM_TEXT_GUI>, FakeGuiHost> t(new kx::Guarded<KX_PM_TEXT_GUI>());
     echoParameterPins(t.host, t.m, 1);
     kxtest::deliverText(*t.m, 3, L"preset");
     ASSERT_EQ(t.host.sent.size(), 1u);
@@ -117,7 +117,7 @@ TEST(PatchMemoryValueGUI, ValueEchoIsNotWrittenBack) {
     kxtest::deliverText(*t.m, 1, L"loaded");
     EXPECT_EQ(t.host.on(3).back().asText(), L"loaded");
 
-    Made<kx::GuardedGui<KX_PM_BLOB_GUI>, FakeGuiHost> b(new kx::GuardedGui<KX_PM_BLOB_GUI>());
+    Made<kx::Guarded<KX_PM_BLOB_GUI>, FakeGuiHost> b(new kx::Guarded<KX_PM_BLOB_GUI>());
     echoParameterPins(b.host, b.m, 1);
     b.m->setPin(3, 0, 3, "xyz");
     b.m->notifyPin(3, 0);
@@ -127,7 +127,7 @@ TEST(PatchMemoryValueGUI, ValueEchoIsNotWrittenBack) {
 }
 
 TEST(PatchMemoryListGUI, NewItemListRefreshesMenuThenOutput) {
-    Made<kx::GuardedGui<KX_PM_LIST_GUI>, FakeGuiHost> l(new kx::GuardedGui<KX_PM_LIST_GUI>());
+    Made<kx::Guarded<KX_PM_LIST_GUI>, FakeGuiHost> l(new kx::Guarded<KX_PM_LIST_GUI>());
     kxtest::deliverText(*l.m, 2, L"ignored");
     EXPECT_TRUE(l.host.sent.empty());
     kxtest::deliverText(*l.m, 3, L"one,two");

@@ -79,6 +79,21 @@ TEST(SplitString, SeparatorsQuotesAndTheDeliberateCommaRule) {
     EXPECT_TRUE(split(nullptr).empty());
 }
 
+TEST(LineWords, CrlfReadsExactlyAsLf) {
+    auto lines = [](std::string_view text) {
+        std::vector<std::vector<std::string>> r;
+        forEachLineWords(text, [&](const std::vector<std::string>& words) { r.push_back(words); });
+        return r;
+    };
+    using Lines = std::vector<std::vector<std::string>>;
+    // A carriage return on the last line, even inside an unclosed quote, never reaches a word.
+    EXPECT_EQ(lines("type knob\r\n\r\nlabel \"open\r"), lines("type knob\n\nlabel \"open"));
+    EXPECT_EQ(lines("type knob\n\nlabel \"open"), (Lines{{"type", "knob"}, {}, {"label", "open"}}));
+    // Only the line feed ends a line; a text ending in one has an empty last line.
+    EXPECT_EQ(lines("a\rb\n"), (Lines{{"a", "b"}, {}}));
+    EXPECT_EQ(lines(""), (Lines{{}}));
+}
+
 TEST(StringToInt, LeadingIntegerOrZeroAndClamped) {
     EXPECT_EQ(StringToInt("  -42abc"), -42);
     EXPECT_EQ(StringToInt("+7"), 7);

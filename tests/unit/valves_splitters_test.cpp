@@ -112,7 +112,7 @@ TEST(CheckValveInt, BackwardSendIsNotEchoedForward) {
 TEST(CheckValveInt, GuardIsReleasedWhenTheHostThrowsDuringTheSend) {
     namespace pin = kx::checkvalve;
     FakeGuiHost host;
-    kx::GuardedGui<KX_CheckValveInt> m;  // the boundary wrapper the factory uses
+    kx::Guarded<KX_CheckValveInt> m;  // the boundary wrapper the factory uses
     m.setHost(host.unknown());
     deliver(m, pin::Mode, 1);
     host.onTransmit = [](int, int, const void*) { throw std::runtime_error("host failed"); };
