@@ -2,7 +2,6 @@
 // their _VOL identifiers: patch memory of six value types.
 #include "logic/PatchMemory.h"
 
-#include "ModuleSupport.h"
 #include "MpFactory.h"
 #include "logic/ValuePins.h"
 
@@ -60,14 +59,12 @@ void KX_PM_ScalarGUI<T>::onSetValue() {
 
 template <class T>
 void KX_PM_ScalarGUI<T>::onSetParNorm() {
-    if (!writingPosition)
-        copyWhenDifferent(pinParNorm, pinAnimPos);
+    position.fromParameter(pinParNorm, pinAnimPos);
 }
 
 template <class T>
 void KX_PM_ScalarGUI<T>::onSetAnimPos() {
-    kx::ReentryFlag hold(writingPosition);
-    copyWhenDifferent(pinAnimPos, pinParNorm);
+    position.toParameter(pinAnimPos, pinParNorm);
 }
 
 template <class T>
@@ -97,14 +94,12 @@ KX_PM_ValueGUI<Pin>::KX_PM_ValueGUI() {
 
 template <class Pin>
 void KX_PM_ValueGUI<Pin>::onSetParIO() {
-    if (!writingValue)
-        copyWhenDifferent(pinParValue, pinValue);
+    value.fromParameter(pinParValue, pinValue);
 }
 
 template <class Pin>
 void KX_PM_ValueGUI<Pin>::onSetValue() {
-    kx::ReentryFlag hold(writingValue);
-    copyWhenDifferent(pinValue, pinParValue);
+    value.toParameter(pinValue, pinParValue);
 }
 
 // ---- GUI half: list

@@ -7,8 +7,10 @@
 
 #include <string>
 
+#include "ModuleSupport.h"
 #include "MpBase2.h"
 #include "MpGuiBase2.h"
+#include "logic/ValuePins.h"
 
 namespace kx::pm {
 // The DSP half of every type.
@@ -41,6 +43,25 @@ enum Pin : int { ParName, ParValue, Name, Value, PinCount };
 namespace list_gui {
 enum Pin : int { ParName, ParValue, ParMenuItems, ItemListIn, Name, Choice, ItemListOut, PinCount };
 }
+
+// A parameter pin and a module pin mirrored both ways. The host echoes the module's write to the
+// parameter back into the parameter pin; the echo must not be copied to the module's pin a second time.
+class EchoGuardedMirror {
+public:
+    template <class ParameterPin, class ModulePin>
+    void fromParameter(const ParameterPin& parameter, ModulePin& own) {
+        if (!writing_)
+            kx::copyWhenDifferent(parameter, own);
+    }
+    template <class ModulePin, class ParameterPin>
+    void toParameter(const ModulePin& own, ParameterPin& parameter) {
+        kx::ReentryFlag hold(writing_);
+        kx::copyWhenDifferent(own, parameter);
+    }
+
+private:
+    bool writing_ = false;
+};
 }  // namespace kx::pm
 
 // DSP half, all six types: the parameter's value is handed on when it changes. Text is handed on after
@@ -93,9 +114,8 @@ public:
     MpGuiPin<bool> pinMouseDown;
 
 private:
-    // The host echoes a write to the normalised pin back into it; the flag keeps that echo from being
-    // written to the animation position a second time.
-    bool writingPosition = false;
+    // The normalised position: the parameter's pin and the animation position.
+    kx::pm::EchoGuardedMirror position;
 };
 
 // GUI half for text and blob: name and value travel both ways.
@@ -111,9 +131,7 @@ public:
     Pin pinValue;
 
 private:
-    // The host echoes a write to the parameter's value pin back into it; the flag keeps that echo from
-    // being written to the module's value a second time.
-    bool writingValue = false;
+    kx::pm::EchoGuardedMirror value;
 };
 
 // GUI half for the list type: the choice travels both ways; a new item list refreshes both the
