@@ -85,20 +85,20 @@ void sendBool(KX_FileBrowser& browser, int pin, bool value) {
 // The module as a host drives it: the rescan pin rises, the folder is listed and the item list sent.
 // state.range(0) selects the filter: 0 lists everything, 1 only ".wav" files with extensions hidden.
 void BrowserRescan(benchmark::State& state) {
-    QuietHost host(FileBrowserPin::Count);
+    QuietHost host(kx::filebrowser::PinCount);
     KX_FileBrowser browser;
     browser.setHost(&host);
     if (state.range(0) == 1) {
-        sendText(browser, FileBrowserPin::Extension, L"wav");
-        sendBool(browser, FileBrowserPin::HideExtensions, true);
+        sendText(browser, kx::filebrowser::Extension, L"wav");
+        sendBool(browser, kx::filebrowser::HideExtensions, true);
     }
-    sendText(browser, FileBrowserPin::Folder, kx::fromUtf8(sampleFolder().native()));
+    sendText(browser, kx::filebrowser::Folder, kx::fromUtf8(sampleFolder().native()));
     for (auto _ : state) {
         state.PauseTiming();
         browser.itemList.value.clear();  // so every round sends its list, as a changed folder would
-        sendBool(browser, FileBrowserPin::Rescan, false);
+        sendBool(browser, kx::filebrowser::Rescan, false);
         state.ResumeTiming();
-        sendBool(browser, FileBrowserPin::Rescan, true);
+        sendBool(browser, kx::filebrowser::Rescan, true);
         benchmark::DoNotOptimize(browser.itemList.value.data());
     }
     if (browser.itemList.value.empty())

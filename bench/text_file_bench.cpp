@@ -69,16 +69,16 @@ void StringLoaderTrigger(benchmark::State& state) {
     KX_StringLoader loader;
     loader.setHost(&host);
     const std::wstring name = kx::fromUtf8(sampleFile().string());
-    loader.setPin(TextFilePin::FileNameL, 0, static_cast<int32_t>(name.size() * sizeof(wchar_t)), name.data());
-    loader.notifyPin(TextFilePin::FileNameL, 0);
+    loader.setPin(kx::textfile::FileNameL, 0, static_cast<int32_t>(name.size() * sizeof(wchar_t)), name.data());
+    loader.notifyPin(kx::textfile::FileNameL, 0);
     const bool on = true;
     for (auto _ : state) {
         state.PauseTiming();
         loader.text.value.clear();  // so every round changes the text and sends it, as a new file would
         loader.text.value.shrink_to_fit();
         state.ResumeTiming();
-        loader.setPin(TextFilePin::Trigger, 0, 1, &on);
-        loader.notifyPin(TextFilePin::Trigger, 0);
+        loader.setPin(kx::textfile::Trigger, 0, 1, &on);
+        loader.notifyPin(kx::textfile::Trigger, 0);
         benchmark::DoNotOptimize(loader.text.value.data());
     }
     if (loader.text.value.empty())

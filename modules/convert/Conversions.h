@@ -10,6 +10,25 @@
 #include "ModuleSupport.h"
 #include "MpGuiBase2.h"
 
+namespace kx::v2db {
+enum Pin : int { Volts, Decibels, PinCount };
+}
+namespace kx::db2v {
+enum Pin : int { Decibels, Volts, PinCount };
+}
+namespace kx::oct2hz {
+enum Pin : int { Pitch, Hertz, PinCount };
+}
+namespace kx::hz2oct {
+enum Pin : int { Hertz, Pitch, PinCount };
+}
+namespace kx::midi2pitch {
+enum Pin : int { Midi, Pitch, PinCount };
+}
+namespace kx::pitch2midi {
+enum Pin : int { Pitch, Midi, PinCount };
+}
+
 namespace kx {
 
 // Single precision, with the single-precision library functions.
@@ -25,14 +44,6 @@ int pitchToMidi(float pitch);
 
 }  // namespace kx
 
-// Pin orders of the six identifiers.
-struct V2dBPin { enum : int { Volts, Decibels, Count }; };
-struct DB2VPin { enum : int { Decibels, Volts, Count }; };
-struct Oct2HzPin { enum : int { Pitch, Hertz, Count }; };
-struct Hz2OctPin { enum : int { Hertz, Pitch, Count }; };
-struct Midi2PitchPin { enum : int { Midi, Pitch, Count }; };
-struct Pitch2MidiPin { enum : int { Pitch, Midi, Count }; };
-
 // Volts and decibels. The two conversions are inverse up to float precision, so the host's echo of a
 // written value converts back to (nearly) the value that caused it and the equality test stops it.
 template <int VoltsPin>
@@ -40,11 +51,11 @@ class LevelConverter : public SeGuiInvisibleBase {
 public:
     LevelConverter() {
         if constexpr (VoltsPin == 0) {
-            initializePin(0, volts, &LevelConverter::onSetV);
-            initializePin(1, decibels, &LevelConverter::onSetdB);
+            initializePin(volts, &LevelConverter::onSetV);
+            initializePin(decibels, &LevelConverter::onSetdB);
         } else {
-            initializePin(0, decibels, &LevelConverter::onSetdB);
-            initializePin(1, volts, &LevelConverter::onSetV);
+            initializePin(decibels, &LevelConverter::onSetdB);
+            initializePin(volts, &LevelConverter::onSetV);
         }
     }
     void onSetV() { decibels = kx::voltsToDb(volts); }
@@ -60,11 +71,11 @@ class OctaveConverter : public SeGuiInvisibleBase {
 public:
     OctaveConverter() {
         if constexpr (PitchPin == 0) {
-            initializePin(0, pitch, &OctaveConverter::onSetOct);
-            initializePin(1, hertz, &OctaveConverter::onSetHz);
+            initializePin(pitch, &OctaveConverter::onSetOct);
+            initializePin(hertz, &OctaveConverter::onSetHz);
         } else {
-            initializePin(0, hertz, &OctaveConverter::onSetHz);
-            initializePin(1, pitch, &OctaveConverter::onSetOct);
+            initializePin(hertz, &OctaveConverter::onSetHz);
+            initializePin(pitch, &OctaveConverter::onSetOct);
         }
     }
     void onSetOct() { hertz = kx::pitchToHz(pitch); }
@@ -83,11 +94,11 @@ class MidiPitchConverter : public SeGuiInvisibleBase {
 public:
     MidiPitchConverter() {
         if constexpr (MidiPin == 0) {
-            initializePin(0, midi, &MidiPitchConverter::onSetMIDI);
-            initializePin(1, pitch, &MidiPitchConverter::onSetPitch);
+            initializePin(midi, &MidiPitchConverter::onSetMIDI);
+            initializePin(pitch, &MidiPitchConverter::onSetPitch);
         } else {
-            initializePin(0, pitch, &MidiPitchConverter::onSetPitch);
-            initializePin(1, midi, &MidiPitchConverter::onSetMIDI);
+            initializePin(pitch, &MidiPitchConverter::onSetPitch);
+            initializePin(midi, &MidiPitchConverter::onSetMIDI);
         }
     }
     void onSetMIDI() {
@@ -114,9 +125,9 @@ private:
     bool reentering_ = false;
 };
 
-class KX_V2dB : public LevelConverter<V2dBPin::Volts> {};
-class KX_dB2V : public LevelConverter<DB2VPin::Volts> {};
-class KX_Oct2Hz : public OctaveConverter<Oct2HzPin::Pitch> {};
-class KX_Hz2Oct : public OctaveConverter<Hz2OctPin::Pitch> {};
-class KX_GUI_MIDI2Pitch : public MidiPitchConverter<Midi2PitchPin::Midi> {};
-class KX_GUI_Pitch2MIDI : public MidiPitchConverter<Pitch2MidiPin::Midi> {};
+class KX_V2dB : public LevelConverter<kx::v2db::Volts> {};
+class KX_dB2V : public LevelConverter<kx::db2v::Volts> {};
+class KX_Oct2Hz : public OctaveConverter<kx::oct2hz::Pitch> {};
+class KX_Hz2Oct : public OctaveConverter<kx::hz2oct::Pitch> {};
+class KX_GUI_MIDI2Pitch : public MidiPitchConverter<kx::midi2pitch::Midi> {};
+class KX_GUI_Pitch2MIDI : public MidiPitchConverter<kx::pitch2midi::Midi> {};

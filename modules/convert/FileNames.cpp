@@ -2,20 +2,12 @@
 #include "convert/FileNames.h"
 
 #include <filesystem>
+#include <optional>
 
-#include "ModuleSupport.h"
 #include "MpFactory.h"
+#include "convert/FilePaths.h"
 
 namespace fs = std::filesystem;
-
-namespace {
-
-// std::filesystem on POSIX keeps paths as bytes; the bytes are the UTF-8 of the pin text.
-fs::path toPath(const std::wstring& text) { return fs::path(kx::toUtf8(text)); }
-
-std::wstring toText(const fs::path& path) { return kx::fromUtf8(path.native()); }
-
-}  // namespace
 
 // ---- KX_SplitFName
 
@@ -26,11 +18,12 @@ KX_SplitFName::KX_SplitFName() {
 }
 
 void KX_SplitFName::onSetIn() {
-    if (!kx::isCodePointText(path.getValue()))
+    const std::optional<std::string> bytes = kx::pathBytes(path.getValue());
+    if (!bytes)
         return;
-    const fs::path p = toPath(path);
-    folder = toText(p.parent_path());
-    fileName = toText(p.filename());
+    const fs::path p(*bytes);
+    folder = kx::pathText(p.parent_path().native());
+    fileName = kx::pathText(p.filename().native());
 }
 
 // ---- KX_AppendFName
@@ -48,9 +41,11 @@ void KX_AppendFName::onSetEither() {
         path = dir.empty() ? name : dir;
         return;
     }
-    if (!kx::isCodePointText(dir) || !kx::isCodePointText(name))
+    const std::optional<std::string> dirBytes = kx::pathBytes(dir);
+    const std::optional<std::string> nameBytes = kx::pathBytes(name);
+    if (!dirBytes || !nameBytes)
         return;
-    path = toText(toPath(dir) / toPath(name));
+    path = kx::pathText((fs::path(*dirBytes) / *nameBytes).native());
 }
 
 namespace {

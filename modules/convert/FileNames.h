@@ -5,12 +5,12 @@
 
 #include "MpGuiBase2.h"
 
-struct SplitFNamePin {
-    enum : int { Path, Folder, FileName, Count };
-};
-struct AppendFNamePin {
-    enum : int { Folder, FileName, Path, Count };
-};
+namespace kx::splitfname {
+enum Pin : int { Path, Folder, FileName, PinCount };
+}
+namespace kx::appendfname {
+enum Pin : int { Folder, FileName, Path, PinCount };
+}
 
 // /a/b/c.wav gives /a/b and c.wav; c.wav gives an empty folder; /a/b/ gives /a/b and an empty name (the
 // trailing slash leaves an empty last component); / gives / and an empty name. The folder is written

@@ -1,7 +1,6 @@
 // Picking files: KX_FileBrowser, KX_FileReq.
 #include "convert/FilePick.h"
 
-#include <array>
 #include <string_view>
 
 #include "HostResources.h"
@@ -9,25 +8,12 @@
 #include "MpCountedPtr.h"
 #include "MpFactory.h"
 #include "TextCodec.h"
+#include "convert/FilePaths.h"
 #include "gmpi/IMpGraphicsHost.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// Paths are bytes on POSIX; names on disk need not be UTF-8, so text shown or sent is decoded leniently.
-std::wstring toText(const std::string& bytes) {
-    std::wstring text;
-    kx::fromUtf8Lenient(bytes, text);
-    return text;
-}
-
-// The UTF-8 of a pin text, or nullopt when it holds values that are not code points (no path has those).
-std::optional<std::string> toBytes(const std::wstring& text) {
-    if (!kx::isCodePointText(text))
-        return std::nullopt;
-    return kx::toUtf8(text);
-}
 
 bool somethingAt(const fs::path& path) {
     std::error_code ec;
@@ -52,16 +38,10 @@ KX_FileBrowser::KX_FileBrowser() {
 }
 
 fs::path KX_FileBrowser::resourceFolder() const {
-    if (!host)
+    const std::optional<std::wstring> folder = kx::resolveFileName(host, L"");
+    if (!folder)
         return {};
-    auto firstGeneration = gmpi_sdk::queryAs<gmpi::IMpUserInterfaceHost>(host, gmpi::MP_IID_UI_HOST);
-    if (!firstGeneration)
-        return {};
-    std::array<wchar_t, 500> full{};
-    if (firstGeneration->resolveFilename(L"", static_cast<int32_t>(full.size()), full.data()) != gmpi::MP_OK)
-        return {};
-    full.back() = L'\0';  // a host that fills the whole buffer still leaves a terminated text
-    return fs::path(toBytes(full.data()).value_or(std::string()));
+    return fs::path(kx::pathBytes(*folder).value_or(std::string()));
 }
 
 void KX_FileBrowser::clearChoice() {
@@ -71,11 +51,11 @@ void KX_FileBrowser::clearChoice() {
 
 void KX_FileBrowser::showFolder(const fs::path& path) {
     currentPath_ = path;
-    folder = toText(currentPath_.native());
+    folder = kx::pathText(currentPath_.native());
 }
 
 void KX_FileBrowser::onSetPath() {
-    const std::optional<std::string> text = toBytes(folder.getValue());
+    const std::optional<std::string> text = kx::pathBytes(folder.getValue());
     if (!text)
         return;
     currentPath_ = text->empty() ? resourceFolder() : fs::path(*text);
@@ -92,7 +72,7 @@ void KX_FileBrowser::onSetPath() {
     if (!fs::is_directory(currentPath_, ec)) {
         // A file: choose it and list the folder it lies in.
         const fs::path file = currentPath_;
-        chosenFile = toText(file.native());
+        chosenFile = kx::pathText(file.native());
         showFolder(file.parent_path());
     }
     clearChoice();
@@ -102,7 +82,7 @@ void KX_FileBrowser::onSetPath() {
 void KX_FileBrowser::onSetExt() {
     const std::wstring& text = extension.getValue();
     filter_ = text.empty() ? std::wstring() : L"." + text;
-    filterBytes_ = toBytes(filter_);
+    filterBytes_ = kx::pathBytes(filter_);
 }
 
 void KX_FileBrowser::onSetRescan() {
@@ -129,7 +109,7 @@ void KX_FileBrowser::onSetChoice() {
         showFolder(entry.path);
         scan();
     } else {
-        chosenFile = toText(entry.path);
+        chosenFile = kx::pathText(entry.path);
     }
 }
 
@@ -137,7 +117,7 @@ void KX_FileBrowser::onSetFNameOut() {
     const std::wstring& text = chosenFile.getValue();
     if (text.empty() || entryCount_ == 0)
         return;
-    const std::optional<std::string> path = toBytes(text);
+    const std::optional<std::string> path = kx::pathBytes(text);
     if (!path)
         return;
     for (size_t i = 0; i < entries_.size(); ++i) {
@@ -149,7 +129,7 @@ void KX_FileBrowser::onSetFNameOut() {
 void KX_FileBrowser::scan() {
     entries_.clear();
     entryCount_ = 0;
-    const std::optional<std::string> chosen = toBytes(chosenFile.getValue());
+    const std::optional<std::string> chosen = kx::pathBytes(chosenFile.getValue());
     std::wstring list;
     if (!somethingAt(currentPath_)) {
         itemList = std::move(list);
@@ -280,7 +260,7 @@ void KX_FileReq::OnFileDialogComplete(int32_t result) {
         if (kx::resolveResource(host, bare, category) == name)
             name = bare;
     }
-    fileName = toText(name);
+    fileName = kx::pathText(name);
     fileChosen = true;
     fileChosen = false;
 }

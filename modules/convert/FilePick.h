@@ -13,13 +13,12 @@
 #include "MpGuiBase2.h"
 #include "TimerManager.h"
 
-struct FileBrowserPin {
-    enum : int { Folder, Extension, HideExtensions, Rescan, Parent, Choice, ItemList, ChosenFile, Count };
-};
-
-struct FileReqPin {
-    enum : int { FileName, Extensions, SaveMode, Open, FileChosen, Count };
-};
+namespace kx::filebrowser {
+enum Pin : int { Folder, Extension, HideExtensions, Rescan, Parent, Choice, ItemList, ChosenFile, PinCount };
+}
+namespace kx::filereq {
+enum Pin : int { FileName, Extensions, SaveMode, Open, FileChosen, PinCount };
+}
 
 // Lists a folder as a comma-separated item list (folders end in "/"), steps into a chosen folder or up
 // to the parent, filters files by one extension and reports the chosen file's full path. Feeding a

@@ -16,9 +16,10 @@
 #include "ModuleSupport.h"
 #include "MpGuiBase2.h"
 
-struct NoteNamePin {
-    enum : int { Note, Key, KeyList, Octave, OctaveList, Count };
-};
+// KX_MIDI2Note and KX_Pitch2Note.
+namespace kx::notename {
+enum Pin : int { Note, Key, KeyList, Octave, OctaveList, PinCount };
+}
 
 namespace kx {
 inline constexpr const wchar_t* kKeyItemList = L"A,A#,B,C,C#,D,D#,E,F,F#,G,G#";

@@ -16,8 +16,8 @@ namespace {
 bool isSpace(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\v' || c == L'\f' || c == L'\r'; }
 
 bool isNumberChar(wchar_t c) {
-    return (c >= L'0' && c <= L'9') || (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || c == L'.' ||
-           c == L'+' || c == L'-' || c == L'(' || c == L')' || c == L'_';
+    return (c >= L'0' && c <= L'9') || (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || c == L'.' || c == L'+' ||
+           c == L'-' || c == L'(' || c == L')' || c == L'_';
 }
 
 // The characters a number could be made of, after leading white space, as narrow text, with a leading
@@ -67,8 +67,8 @@ std::wstring formatGeneral(float value, int precision) {
         precision = 6;
     precision = std::min(precision, kMostSignificantDigits);
     char buffer[kMostSignificantDigits + 32];
-    const auto [end, ec] =
-        std::to_chars(buffer, buffer + sizeof buffer, static_cast<double>(value), std::chars_format::general, precision);
+    const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, static_cast<double>(value),
+                                         std::chars_format::general, precision);
     if (ec != std::errc())
         return {};
     return std::wstring(buffer, end);
@@ -95,7 +95,41 @@ std::wstring formatArgb(float alpha, float red, float green, float blue) {
 
 }  // namespace kx
 
-// ---- KX_Int2TxtC
+// ---- the integer and float modules
+
+template <class Derived, class T>
+void LimitedNumberText<Derived, T>::onSetVal() {
+    // While the module writes the value from the text, the host's echo of it would reformat the text
+    // the user typed.
+    if (reentering_)
+        return;
+    T clamped = value;
+    if (clamped < minimum)
+        clamped = minimum;
+    else if (maximum < clamped)
+        clamped = maximum;
+    text = static_cast<Derived&>(*this).format(clamped);
+}
+
+template <class Derived, class T>
+void LimitedNumberText<Derived, T>::onSetTxt() {
+    const std::optional<T> typed = Derived::parse(text.getValue());
+    if (!typed)
+        return;
+    kx::ReentryFlag hold(reentering_);
+    if (*typed < minimum) {
+        value = minimum.value;
+        text = static_cast<Derived&>(*this).format(minimum.value);
+    } else if (maximum < *typed) {
+        value = maximum.value;
+        text = static_cast<Derived&>(*this).format(maximum.value);
+    } else {
+        value = *typed;
+    }
+}
+
+template class LimitedNumberText<KX_Int2TxtC, int>;
+template class LimitedNumberText<KX_Float2TxtC, float>;
 
 KX_Int2TxtC::KX_Int2TxtC() {
     initializePin(value, &KX_Int2TxtC::onSetVal);
@@ -103,35 +137,6 @@ KX_Int2TxtC::KX_Int2TxtC() {
     initializePin(maximum);
     initializePin(text, &KX_Int2TxtC::onSetTxt);
 }
-
-void KX_Int2TxtC::onSetVal() {
-    if (reentering_)
-        return;
-    int clamped = value;
-    if (clamped < minimum)
-        clamped = minimum;
-    else if (maximum < clamped)
-        clamped = maximum;
-    text = std::to_wstring(clamped);
-}
-
-void KX_Int2TxtC::onSetTxt() {
-    const std::optional<int> typed = kx::parseLeadingInt(text.getValue());
-    if (!typed)
-        return;
-    kx::ReentryFlag hold(reentering_);
-    if (*typed < minimum) {
-        value = minimum.value;
-        text = std::to_wstring(minimum.value);
-    } else if (*typed > maximum) {
-        value = maximum.value;
-        text = std::to_wstring(maximum.value);
-    } else {
-        value = *typed;
-    }
-}
-
-// ---- KX_Float2TxtC
 
 KX_Float2TxtC::KX_Float2TxtC() {
     initializePin(value, &KX_Float2TxtC::onSetVal);
@@ -144,33 +149,6 @@ KX_Float2TxtC::KX_Float2TxtC() {
 std::wstring KX_Float2TxtC::format(float v) const {
     const int d = decimals;
     return kx::formatGeneral(v, d > 0 ? (d == INT32_MAX ? d : d + 1) : d);
-}
-
-void KX_Float2TxtC::onSetVal() {
-    if (reentering_)
-        return;
-    float clamped = value;
-    if (minimum > clamped)
-        clamped = minimum;
-    else if (clamped > maximum)
-        clamped = maximum;
-    text = format(clamped);
-}
-
-void KX_Float2TxtC::onSetTxt() {
-    const std::optional<float> typed = kx::parseLeadingFloat(text.getValue());
-    if (!typed)
-        return;
-    kx::ReentryFlag hold(reentering_);
-    if (*typed < minimum) {
-        value = minimum.value;
-        text = format(minimum);
-    } else if (*typed > maximum) {
-        value = maximum.value;
-        text = format(maximum);
-    } else {
-        value = *typed;
-    }
 }
 
 // ---- KX_ARGB2Str

@@ -14,6 +14,16 @@
 
 #include "MpGuiBase2.h"
 
+namespace kx::int2txt {
+enum Pin : int { Value, Minimum, Maximum, Text, PinCount };
+}
+namespace kx::float2txt {
+enum Pin : int { Value, Minimum, Maximum, Decimals, Text, PinCount };
+}
+namespace kx::argb2str {
+enum Pin : int { Alpha, Red, Green, Blue, Text, PinCount };
+}
+
 namespace kx {
 
 // The leading base-10 integer of a text: white space, an optional sign, digits up to the first other
@@ -34,57 +44,50 @@ std::wstring formatArgb(float alpha, float red, float green, float blue);
 
 }  // namespace kx
 
-struct Int2TxtCPin {
-    enum : int { Value, Minimum, Maximum, Text, Count };
-};
-struct Float2TxtCPin {
-    enum : int { Value, Minimum, Maximum, Decimals, Text, Count };
-};
-struct ARGB2StrPin {
-    enum : int { Alpha, Red, Green, Blue, Text, Count };
-};
-
-// An integer with limits and its decimal text. Text the user typed that lies within the limits is left
-// as typed ("007" stays while the value becomes 7); out-of-limit text is replaced by the limit.
-class KX_Int2TxtC : public SeGuiInvisibleBase {
+// What the integer and float modules share: a value with limits and its text. Text the user typed that
+// lies within the limits is left as typed ("007" stays while the value becomes 7); out-of-limit text is
+// replaced by the limit, in the value and in the text. Derived supplies parse (the number a text begins
+// with) and format (the text of a value).
+template <class Derived, class T>
+class LimitedNumberText : public SeGuiInvisibleBase {
 public:
-    KX_Int2TxtC();
     // Writes the text of the clamped value; the value pin itself keeps what it was given.
     void onSetVal();
     // Text that does not begin with a number writes nothing.
     void onSetTxt();
 
-    MpGuiPin<int> value;
-    MpGuiPin<int> minimum;
-    MpGuiPin<int> maximum;
+    MpGuiPin<T> value;
+    MpGuiPin<T> minimum;
+    MpGuiPin<T> maximum;
     StringGuiPin text;
 
 private:
     bool reentering_ = false;
 };
 
+// An integer with limits and its decimal text.
+class KX_Int2TxtC : public LimitedNumberText<KX_Int2TxtC, int> {
+public:
+    KX_Int2TxtC();
+
+    static std::optional<int> parse(std::wstring_view typed) { return kx::parseLeadingInt(typed); }
+    static std::wstring format(int v) { return std::to_wstring(v); }
+};
+
 // A float with limits and its text with a precision. The decimals pin d sets the precision to d + 1
 // significant digits in general notation, which gives exactly d digits after the point only for
 // magnitudes from 1 to just under 10 (with d = 2: 1.2345 -> 1.23, 12.345 -> 12.3, 1234.5 -> 1.23e+03).
-// That is the module's behaviour, relied on by existing patches; it is not fixed notation.
-class KX_Float2TxtC : public SeGuiInvisibleBase {
+// That is the module's behaviour, relied on by existing patches; it is not fixed notation. A change of
+// the decimals rewrites the text as a change of the value does. A NaN text passes the limits and reaches
+// the value.
+class KX_Float2TxtC : public LimitedNumberText<KX_Float2TxtC, float> {
 public:
     KX_Float2TxtC();
-    // Also runs when the decimals change. Writes the text of the clamped value; the value pin keeps what
-    // it was given.
-    void onSetVal();
-    // Text that is not a number writes nothing; a NaN text passes the limits and reaches the value.
-    void onSetTxt();
 
-    MpGuiPin<float> value;
-    MpGuiPin<float> minimum;
-    MpGuiPin<float> maximum;
-    MpGuiPin<int> decimals;
-    StringGuiPin text;
-
-private:
+    static std::optional<float> parse(std::wstring_view typed) { return kx::parseLeadingFloat(typed); }
     std::wstring format(float v) const;
-    bool reentering_ = false;
+
+    MpGuiPin<int> decimals;
 };
 
 // Four colour channels (0 to 1) and the hexadecimal ARGB colour text that colour pins carry.

@@ -10,6 +10,8 @@
 
 #include "ModuleSupport.h"
 #include "MpFactory.h"
+#include "TextCodec.h"
+#include "convert/FilePaths.h"
 
 namespace kx {
 namespace {
@@ -64,20 +66,9 @@ bool writeTextFile(const std::string& path, std::wstring_view text) {
 
 // ---- KX_StringLoader
 
-// Asks the host's first-generation interface to resolve the name against its resource folders; without
-// that interface, or when it fails, the name is kept as given.
+// Without a host that resolves names, or when it fails, the name is kept as given.
 std::wstring KX_StringLoader::fileNameFrom(const std::wstring& name) const {
-    if (!host)
-        return name;
-    void* face = nullptr;
-    if (host->queryInterface(gmpi::MP_IID_UI_HOST, &face) != gmpi::MP_OK || !face)
-        return name;
-    auto* firstGeneration = static_cast<gmpi::IMpUserInterfaceHost*>(face);
-    std::array<wchar_t, 500> full{};
-    const int32_t result = firstGeneration->resolveFilename(name.c_str(), static_cast<int32_t>(full.size()), full.data());
-    firstGeneration->release();
-    full.back() = L'\0';  // a host that fills the whole buffer still leaves a terminated text
-    return result == gmpi::MP_OK ? std::wstring(full.data()) : name;
+    return kx::resolveFileName(host, name).value_or(name);
 }
 
 void KX_StringLoader::transfer() {

@@ -12,6 +12,11 @@
 
 #include "MpGuiBase2.h"
 
+// KX_StringLoader and KX_StringSaver.
+namespace kx::textfile {
+enum Pin : int { Text, Trigger, Automatic, FileNameL, FileNameR, PinCount };
+}
+
 namespace kx {
 
 // Reads the whole file at a UTF-8 path in one go and decodes it leniently (above) into text. False,
@@ -24,10 +29,6 @@ bool readTextFile(const std::string& path, std::wstring& text);
 bool writeTextFile(const std::string& path, std::wstring_view text);
 
 }  // namespace kx
-
-struct TextFilePin {
-    enum : int { Text, Trigger, Automatic, FileNameL, FileNameR, Count };
-};
 
 // What the loader and the saver share: a trigger, an automatic switch and two equivalent file-name pins,
 // of which the one that changed last supplies the current file name, so two controls can feed one

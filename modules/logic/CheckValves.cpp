@@ -1,7 +1,7 @@
-#include "CheckValves.h"
+#include "logic/CheckValves.h"
 
+#include "ModuleSupport.h"
 #include "MpFactory.h"
-#include "ValuePins.h"
 
 template <class T>
 KX_CheckValve<T>::KX_CheckValve() {
@@ -21,7 +21,7 @@ template <class T>
 void KX_CheckValve<T>::onSetOut() {
     if (mode.value != kx::checkvalve::Backward)
         return;
-    kx::FlagScope sending(busy);
+    kx::ReentryFlag sending(busy);
     in = out.value;
 }
 

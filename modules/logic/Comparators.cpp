@@ -1,4 +1,4 @@
-#include "Comparators.h"
+#include "logic/Comparators.h"
 
 #include "MpFactory.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "MpGuiBase2.h"
-#include "ValuePins.h"
+#include "logic/ValuePins.h"
 
 namespace kx::cmp {
 enum Pin : int { ValueA, ValueB, Mode, Result, PinCount };

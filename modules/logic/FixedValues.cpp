@@ -1,4 +1,4 @@
-#include "FixedValues.h"
+#include "logic/FixedValues.h"
 
 #include "MpFactory.h"
 

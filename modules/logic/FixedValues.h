@@ -4,7 +4,7 @@
 #include <string>
 
 #include "MpGuiBase2.h"
-#include "ValuePins.h"
+#include "logic/ValuePins.h"
 
 namespace kx::fixed {
 enum Pin : int { Value, Hold, Left, Right, PinCount };

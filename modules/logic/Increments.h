@@ -6,15 +6,14 @@
 
 #include "MpGuiBase2.h"
 
-struct IntIncPin {
-    enum : int { Value, Minimum, Maximum, Step, Delta, Count };
-};
-struct FloatIncPin {
-    enum : int { Value, Minimum, Maximum, Step, Delta, Count };
-};
-struct PMIncPin {
-    enum : int { Value, Step, Delta, Count };
-};
+// KX_IntInc and KX_FloatInc.
+namespace kx::inc {
+enum Pin : int { Value, Minimum, Maximum, Step, Delta, PinCount };
+}
+// KX_PMInc.
+namespace kx::pminc {
+enum Pin : int { Value, Step, Delta, PinCount };
+}
 
 namespace kx {
 // delta x step + value, then the minimum if below it, else the maximum if above it (the minimum is

@@ -1,34 +1,154 @@
 // Patch memory: one host parameter of a value type joined to the patch. The DSP half hands the
 // parameter's value into the audio graph; the GUI half mirrors the parameter's value, name, normalised
-// position, menu and grab state between the parameter-bound pins and the module's own pins.
+// position, menu and grab state between the parameter-bound pins and the module's own pins. Each value
+// type has two identifiers (KX_PM_INT_NAC and KX_PM_INT_NAC_VOL, ...) that create the same classes; only
+// the descriptions the host holds differ.
 #pragma once
 
 #include <string>
 
+#include "ModuleSupport.h"
 #include "MpBase2.h"
 #include "MpGuiBase2.h"
+#include "logic/ValuePins.h"
 
-// DSP half, all six types: the parameter's value (pin 0) is handed on (pin 1) when it changes. Text is
-// handed on after every change batch, unchanged or not.
+namespace kx::pm {
+// The DSP half of every type.
+namespace dsp {
+enum Pin : int { ValueIn, ValueOut, PinCount };
+}
+// The GUI half of int, float and bool.
+namespace scalar_gui {
+enum Pin : int {
+    ParName,
+    ParValue,
+    ParNorm,
+    ParMenuItems,
+    ParMenuSel,
+    ParGrab,
+    Name,
+    Value,
+    AnimPos,
+    MenuItems,
+    MenuSel,
+    MouseDown,
+    PinCount
+};
+}
+// The GUI half of text and blob.
+namespace value_gui {
+enum Pin : int { ParName, ParValue, Name, Value, PinCount };
+}
+// The GUI half of the list type.
+namespace list_gui {
+enum Pin : int { ParName, ParValue, ParMenuItems, ItemListIn, Name, Choice, ItemListOut, PinCount };
+}
+
+// A parameter pin and a module pin mirrored both ways. The host echoes the module's write to the
+// parameter back into the parameter pin; the echo must not be copied to the module's pin a second time.
+class EchoGuardedMirror {
+public:
+    template <class ParameterPin, class ModulePin>
+    void fromParameter(const ParameterPin& parameter, ModulePin& own) {
+        if (!writing_)
+            kx::copyWhenDifferent(parameter, own);
+    }
+    template <class ModulePin, class ParameterPin>
+    void toParameter(const ModulePin& own, ParameterPin& parameter) {
+        kx::ReentryFlag hold(writing_);
+        kx::copyWhenDifferent(own, parameter);
+    }
+
+private:
+    bool writing_ = false;
+};
+}  // namespace kx::pm
+
+// DSP half, all six types: the parameter's value is handed on when it changes. Text is handed on after
+// every change batch, unchanged or not.
 template <class T, int datatype>
 class KX_PM_DSP : public MpBase2 {
 public:
-    enum Pins { pinValueInIndex, pinValueOutIndex, pinCount };
-
-    KX_PM_DSP() {
-        initializePin(pinValueIn);
-        initializePin(pinValueOut);
-    }
-
-    void onSetPins() override {
-        if constexpr (datatype != MP_DT_TEXT)
-            if (pinValueOut.getValue() == pinValueIn.getValue())
-                return;
-        pinValueOut = pinValueIn.getValue();
-    }
+    KX_PM_DSP();
+    void onSetPins() override;
 
     MpControlPin<T, MP_IN, datatype> pinValueIn;
     MpControlPin<T, MP_OUT, datatype> pinValueOut;
+};
+
+// What every GUI half shares: the parameter's name and the module's name, mirrored both ways.
+class PatchMemoryGui : public SeGuiInvisibleBase {
+public:
+    void onSetParName();
+    void onSetName();
+
+    StringGuiPin pinParName;
+    StringGuiPin pinName;
+};
+
+// GUI half for int, float and bool. Name, value and normalised position travel both ways; menu items
+// only from the parameter to the patch; menu selection and mouse-down only from the patch to the
+// parameter.
+template <class T>
+class KX_PM_ScalarGUI : public PatchMemoryGui {
+public:
+    KX_PM_ScalarGUI();
+
+    void onSetParIO();
+    void onSetValue();
+    void onSetParNorm();
+    void onSetAnimPos();
+    void onSetParMenuItems();
+    void onSetMenuSel();
+    void onSetMouseDown();
+
+    MpGuiPin<T> pinParValue;
+    MpGuiPin<float> pinParNorm;
+    StringGuiPin pinParMenuItems;
+    MpGuiPin<int> pinParMenuSel;
+    MpGuiPin<bool> pinParGrab;
+    MpGuiPin<T> pinValue;
+    MpGuiPin<float> pinAnimPos;
+    StringGuiPin pinMenuItems;
+    MpGuiPin<int> pinMenuSel;
+    MpGuiPin<bool> pinMouseDown;
+
+private:
+    // The normalised position: the parameter's pin and the animation position.
+    kx::pm::EchoGuardedMirror position;
+};
+
+// GUI half for text and blob: name and value travel both ways.
+template <class Pin>
+class KX_PM_ValueGUI : public PatchMemoryGui {
+public:
+    KX_PM_ValueGUI();
+
+    void onSetParIO();
+    void onSetValue();
+
+    Pin pinParValue;
+    Pin pinValue;
+
+private:
+    kx::pm::EchoGuardedMirror value;
+};
+
+// GUI half for the list type: the choice travels both ways; a new item list refreshes both the
+// parameter's menu and the module's item-list output.
+class KX_PM_LIST_GUI : public PatchMemoryGui {
+public:
+    KX_PM_LIST_GUI();
+
+    void onSetParIO();
+    void onSetChoice();
+    void onSetItemListIn();
+
+    MpGuiPin<int> pinParValue;
+    StringGuiPin pinParMenuItems;
+    StringGuiPin pinItemListIn;
+    MpGuiPin<int> pinChoice;
+    StringGuiPin pinItemListOut;
 };
 
 using KX_PM_INT_DSP = KX_PM_DSP<int, MP_DT_INT>;
@@ -37,175 +157,6 @@ using KX_PM_BOOL_DSP = KX_PM_DSP<bool, MP_DT_BOOL>;
 using KX_PM_TEXT_DSP = KX_PM_DSP<std::wstring, MP_DT_TEXT>;
 using KX_PM_BLOB_DSP = KX_PM_DSP<MpBlob, MP_DT_BLOB>;
 using KX_PM_LIST_DSP = KX_PM_DSP<int, MP_DT_ENUM>;
-
-namespace kx::pm {
-// Copies one pin's value to another unless they are equal already (floats: IEEE, so a NaN is always
-// copied).
-template <class From, class To>
-void copyWhenDifferent(const From& from, To& to) {
-    if (!(from.getValue() == to.getValue()))
-        to = from.getValue();
-}
-}  // namespace kx::pm
-
-// GUI half for int, float and bool. Name, value and normalised position travel both ways; menu items
-// only from the parameter to the patch; menu selection and mouse-down only from the patch to the
-// parameter.
-template <class T>
-class KX_PM_ScalarGUI : public SeGuiInvisibleBase {
-public:
-    enum Pins {
-        pinParNameIndex,
-        pinParValueIndex,
-        pinParNormIndex,
-        pinParMenuItemsIndex,
-        pinParMenuSelIndex,
-        pinParGrabIndex,
-        pinNameIndex,
-        pinValueIndex,
-        pinAnimPosIndex,
-        pinMenuItemsIndex,
-        pinMenuSelIndex,
-        pinMouseDownIndex,
-        pinCount
-    };
-
-    KX_PM_ScalarGUI() {
-        initializePin(pinParName, &KX_PM_ScalarGUI::onSetParName);
-        initializePin(pinParValue, &KX_PM_ScalarGUI::onSetParIO);
-        initializePin(pinParNorm, &KX_PM_ScalarGUI::onSetParNorm);
-        initializePin(pinParMenuItems, &KX_PM_ScalarGUI::onSetParMenuItems);
-        initializePin(pinParMenuSel);
-        initializePin(pinParGrab);
-        initializePin(pinName, &KX_PM_ScalarGUI::onSetName);
-        initializePin(pinValue, &KX_PM_ScalarGUI::onSetValue);
-        initializePin(pinAnimPos, &KX_PM_ScalarGUI::onSetAnimPos);
-        initializePin(pinMenuItems);
-        initializePin(pinMenuSel, &KX_PM_ScalarGUI::onSetMenuSel);
-        initializePin(pinMouseDown, &KX_PM_ScalarGUI::onSetMouseDown);
-    }
-
-    void onSetParName() { pinName = pinParName.getValue(); }
-    void onSetName() { pinParName = pinName.getValue(); }
-    void onSetParIO() { kx::pm::copyWhenDifferent(pinParValue, pinValue); }
-    void onSetValue() { kx::pm::copyWhenDifferent(pinValue, pinParValue); }
-    // The host echoes a write to the normalised pin back into it; the flag keeps that echo from being
-    // written to the animation position a second time.
-    void onSetParNorm() {
-        if (!writingPosition)
-            kx::pm::copyWhenDifferent(pinParNorm, pinAnimPos);
-    }
-    void onSetAnimPos() {
-        struct Writing {
-            bool& flag;
-            explicit Writing(bool& f) : flag(f) { flag = true; }
-            ~Writing() { flag = false; }
-        } guard(writingPosition);
-        kx::pm::copyWhenDifferent(pinAnimPos, pinParNorm);
-    }
-    void onSetParMenuItems() { pinMenuItems = pinParMenuItems.getValue(); }
-    void onSetMenuSel() { kx::pm::copyWhenDifferent(pinMenuSel, pinParMenuSel); }
-    void onSetMouseDown() { kx::pm::copyWhenDifferent(pinMouseDown, pinParGrab); }
-
-    StringGuiPin pinParName;
-    MpGuiPin<T> pinParValue;
-    MpGuiPin<float> pinParNorm;
-    StringGuiPin pinParMenuItems;
-    MpGuiPin<int> pinParMenuSel;
-    MpGuiPin<bool> pinParGrab;
-    StringGuiPin pinName;
-    MpGuiPin<T> pinValue;
-    MpGuiPin<float> pinAnimPos;
-    StringGuiPin pinMenuItems;
-    MpGuiPin<int> pinMenuSel;
-    MpGuiPin<bool> pinMouseDown;
-
-private:
-    bool writingPosition = false;
-};
-
-// GUI half for text and blob: name and value travel both ways.
-template <class Pin>
-class KX_PM_ValueGUI : public SeGuiInvisibleBase {
-public:
-    enum Pins { pinParNameIndex, pinParValueIndex, pinNameIndex, pinValueIndex, pinCount };
-
-    KX_PM_ValueGUI() {
-        initializePin(pinParName, &KX_PM_ValueGUI::onSetParName);
-        initializePin(pinParValue, &KX_PM_ValueGUI::onSetParIO);
-        initializePin(pinName, &KX_PM_ValueGUI::onSetName);
-        initializePin(pinValue, &KX_PM_ValueGUI::onSetValue);
-    }
-
-    void onSetParName() { pinName = pinParName.getValue(); }
-    void onSetName() { pinParName = pinName.getValue(); }
-    // The host echoes a write to the parameter's value pin back into it; the flag keeps that echo from
-    // being written to the module's value a second time.
-    void onSetParIO() {
-        if (!writingValue)
-            kx::pm::copyWhenDifferent(pinParValue, pinValue);
-    }
-    void onSetValue() {
-        struct Writing {
-            bool& flag;
-            explicit Writing(bool& f) : flag(f) { flag = true; }
-            ~Writing() { flag = false; }
-        } guard(writingValue);
-        kx::pm::copyWhenDifferent(pinValue, pinParValue);
-    }
-
-    StringGuiPin pinParName;
-    Pin pinParValue;
-    StringGuiPin pinName;
-    Pin pinValue;
-
-private:
-    bool writingValue = false;
-};
-
-// GUI half for the list type: the choice travels both ways; a new item list refreshes both the
-// parameter's menu and the module's item-list output.
-class KX_PM_LIST_GUI : public SeGuiInvisibleBase {
-public:
-    enum Pins {
-        pinParNameIndex,
-        pinParValueIndex,
-        pinParMenuItemsIndex,
-        pinItemListInIndex,
-        pinNameIndex,
-        pinChoiceIndex,
-        pinItemListOutIndex,
-        pinCount
-    };
-
-    KX_PM_LIST_GUI() {
-        initializePin(pinParName, &KX_PM_LIST_GUI::onSetParName);
-        initializePin(pinParValue, &KX_PM_LIST_GUI::onSetParIO);
-        initializePin(pinParMenuItems);
-        initializePin(pinItemListIn, &KX_PM_LIST_GUI::onSetItemListIn);
-        initializePin(pinName, &KX_PM_LIST_GUI::onSetName);
-        initializePin(pinChoice, &KX_PM_LIST_GUI::onSetChoice);
-        initializePin(pinItemListOut);
-    }
-
-    void onSetParName() { pinName = pinParName.getValue(); }
-    void onSetName() { pinParName = pinName.getValue(); }
-    void onSetParIO() { kx::pm::copyWhenDifferent(pinParValue, pinChoice); }
-    void onSetChoice() { kx::pm::copyWhenDifferent(pinChoice, pinParValue); }
-    void onSetItemListIn() {
-        pinParMenuItems = pinItemListIn.getValue();
-        pinItemListOut = pinParMenuItems.getValue();
-    }
-
-    StringGuiPin pinParName;
-    MpGuiPin<int> pinParValue;
-    StringGuiPin pinParMenuItems;
-    StringGuiPin pinItemListIn;
-    StringGuiPin pinName;
-    MpGuiPin<int> pinChoice;
-    StringGuiPin pinItemListOut;
-};
-
 using KX_PM_INT_GUI = KX_PM_ScalarGUI<int>;
 using KX_PM_FLOAT_GUI = KX_PM_ScalarGUI<float>;
 using KX_PM_BOOL_GUI = KX_PM_ScalarGUI<bool>;

@@ -13,9 +13,9 @@
 
 #include "MpGuiBase2.h"
 
-struct RandomValuePin {
-    enum : int { Minimum, Maximum, Output, HistoryUp, HistoryDown, Count };
-};
+namespace kx::rnd {
+enum Pin : int { Minimum, Maximum, Output, HistoryUp, HistoryDown, PinCount };
+}
 
 namespace kx {
 // One xorshift step (13, 17, 5); the new state is the random number. A state of 0 stays 0.

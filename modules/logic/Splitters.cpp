@@ -1,9 +1,9 @@
-#include "Splitters.h"
+#include "logic/Splitters.h"
 
 #include <cstdint>
 
+#include "ModuleSupport.h"
 #include "MpFactory.h"
-#include "ValuePins.h"
 
 template <class T>
 KX_Splitter<T>::KX_Splitter() {
@@ -27,12 +27,12 @@ int32_t KX_Splitter<T>::setPin(int32_t pinId, int32_t voice, int32_t size, const
                 if (flow & 1u)
                     pinTransmit(Common, size, data, 0);
                 if (crossFeed.value) {
-                    kx::FlagScope sending(busy);
+                    kx::ReentryFlag sending(busy);
                     sendToExtras(pinId, size, data);
                 }
             }
         } else if (flow & 2u) {
-            kx::FlagScope sending(busy);
+            kx::ReentryFlag sending(busy);
             sendToExtras(-1, size, data);
         }
     }

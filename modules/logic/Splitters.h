@@ -7,8 +7,9 @@
 #include "MpGuiBase2.h"
 
 namespace kx::splitter {
-// FirstExtra is the first of the host-duplicated extra pins; the module binds no pin object to them.
-enum Pin : int { Mode, CrossFeed, Common, FirstExtra };
+// PinCount counts the pins the module binds; the host duplicates extra pins from FirstExtra on, and the
+// module binds no pin object to them.
+enum Pin : int { Mode, CrossFeed, Common, PinCount, FirstExtra = PinCount };
 // Flow modes; the flow is (mode + 1) read as bits, so other values give other (or no) flows.
 enum Flow : int { ExtrasToCommon = 0, CommonToExtras = 1, BothWays = 2 };
 }  // namespace kx::splitter

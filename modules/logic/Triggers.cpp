@@ -1,4 +1,4 @@
-#include "Triggers.h"
+#include "logic/Triggers.h"
 
 #include "MpFactory.h"
 
@@ -28,11 +28,11 @@ void KX_Trigger<T>::pass(const MpGuiPin<bool>& trigger) {
 
 template <class T>
 KX_Trigger2<T>::KX_Trigger2() {
-    initializePin(kx::trigger2::Input, input);
-    initializePin(kx::trigger2::Output, output);
-    initializePin(kx::trigger2::TriggerL, triggerL, &KX_Trigger2::onSetTrgL);
-    initializePin(kx::trigger2::TriggerR, triggerR, &KX_Trigger2::onSetTrgR);
-    initializePin(kx::trigger2::Held, held);
+    initializePin(input);
+    initializePin(output);
+    initializePin(triggerL, &KX_Trigger2::onSetTrgL);
+    initializePin(triggerR, &KX_Trigger2::onSetTrgR);
+    initializePin(held);
 }
 
 template <class T>

@@ -5,7 +5,7 @@
 
 #include "MpBlob.h"
 #include "MpGuiBase2.h"
-#include "ValuePins.h"
+#include "logic/ValuePins.h"
 
 namespace kx::trigger {
 // First generation: the output comes first.

@@ -1,5 +1,5 @@
-// The pin class that carries a value of type T on the logic modules: text values use the text pin that
-// also speaks UTF-8, every other type its plain typed pin.
+// Pins by value type for the logic modules: the pin class that carries a T, and the copy between two
+// pins that sends only a value the target does not hold already.
 #pragma once
 
 #include <string>
@@ -9,21 +9,16 @@
 
 namespace kx {
 
+// Text values use the text pin that also speaks UTF-8, every other type its plain typed pin.
 template <class T>
 using ValuePin = std::conditional_t<std::is_same_v<T, std::wstring>, StringGuiPin, MpGuiPin<T>>;
 
-// Restores a re-entry flag on every exit, so a throwing host cannot leave a module deaf for good, and a
-// nested call that sets and clears the flag cannot clear it under an outer call that still needs it.
-class FlagScope {
-public:
-    explicit FlagScope(bool& flag) : flag_(flag), previous_(flag) { flag_ = true; }
-    ~FlagScope() { flag_ = previous_; }
-    FlagScope(const FlagScope&) = delete;
-    FlagScope& operator=(const FlagScope&) = delete;
-
-private:
-    bool& flag_;
-    bool previous_;
-};
+// Works on GUI and DSP pins alike. Equality is the value type's own (floats: IEEE, so a NaN is always
+// copied and -0.0 never overwrites 0.0).
+template <class From, class To>
+void copyWhenDifferent(const From& from, To& to) {
+    if (!(from.getValue() == to.getValue()))
+        to = from.getValue();
+}
 
 }  // namespace kx

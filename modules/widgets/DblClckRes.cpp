@@ -1,4 +1,4 @@
-#include "DblClckRes.h"
+#include "widgets/DblClckRes.h"
 
 #include <chrono>
 #include <cmath>

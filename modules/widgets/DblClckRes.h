@@ -7,7 +7,9 @@
 
 #include "MpGuiBase2.h"
 
-enum DblClckResPins { kDblValue, kDblResetValue, kDblTimeLimitMs, kDblPointerDown, kDblPinCount };
+namespace kx::dblclckres {
+enum Pin : int { Value, ResetValue, TimeLimitMs, PointerDown, PinCount };
+}
 
 class KX_DblClckRes : public SeGuiInvisibleBase {
 public:

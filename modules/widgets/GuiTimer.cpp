@@ -1,4 +1,4 @@
-#include "GuiTimer.h"
+#include "widgets/GuiTimer.h"
 
 #include "MpFactory.h"
 
@@ -61,7 +61,7 @@ void KX_GUITimer::onSetT2() {
 // negative time reaches the timer service unchanged, as patches built on this module expect.
 void KX_GUITimer::onSetTrigger(bool trigger) {
     switch (mode_) {
-        case kDelayOn:
+        case kx::guitimer::DelayOn:
             if (trigger) {
                 StartTimer(time1_);
             } else {
@@ -69,7 +69,7 @@ void KX_GUITimer::onSetTrigger(bool trigger) {
                 setOutput(false);
             }
             break;
-        case kDelayOff:
+        case kx::guitimer::DelayOff:
             if (trigger) {
                 setOutput(true);
                 StopTimer();
@@ -77,19 +77,19 @@ void KX_GUITimer::onSetTrigger(bool trigger) {
                 StartTimer(t1_);
             }
             break;
-        case kPulseAfterRise:
+        case kx::guitimer::PulseAfterRise:
             if (trigger)
                 StartTimer(time1_);
             break;
-        case kPulseAfterFall:
+        case kx::guitimer::PulseAfterFall:
             if (!trigger)
                 StartTimer(t1_);
             break;
-        case kToggle:
+        case kx::guitimer::Toggle:
             if (trigger)
                 setOutput(!state_);
             break;
-        case kOscillator:
+        case kx::guitimer::Oscillator:
             if (trigger) {
                 StartTimer(t1_);
                 setOutput(true);
@@ -105,14 +105,14 @@ void KX_GUITimer::onSetTrigger(bool trigger) {
 
 bool KX_GUITimer::OnTimer() {
     switch (mode_) {
-        case kDelayOn:
+        case kx::guitimer::DelayOn:
             setOutput(true);
             return false;
-        case kDelayOff:
+        case kx::guitimer::DelayOff:
             setOutput(false);
             return false;
-        case kPulseAfterRise:
-        case kPulseAfterFall:
+        case kx::guitimer::PulseAfterRise:
+        case kx::guitimer::PulseAfterFall:
             if (!state_) {
                 // The pulse begins and lasts t2.
                 StopTimer();
@@ -122,7 +122,7 @@ bool KX_GUITimer::OnTimer() {
             }
             setOutput(false);
             return false;
-        case kOscillator: {
+        case kx::guitimer::Oscillator: {
             // True for t1, false for t2: each phase re-registers under the next phase's interval.
             const bool wasOn = state_;
             StopTimer();

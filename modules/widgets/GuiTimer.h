@@ -6,21 +6,23 @@
 #include "MpGuiBase2.h"
 #include "TimerManager.h"
 
-enum GuiTimerPins {
-    kGuiTimerTriggerR,  // dropped until mode and both times are known
-    kGuiTimerTriggerL,  // remembered until mode and both times are known
-    kGuiTimerMode,
-    kGuiTimerTime1,
-    kGuiTimerTime2,
-    kGuiTimerOutMirror,
-    kGuiTimerOut,
-    kGuiTimerPinCount
+namespace kx::guitimer {
+enum Pin : int {
+    TriggerR,  // dropped until mode and both times are known
+    TriggerL,  // remembered until mode and both times are known
+    Mode,
+    Time1,
+    Time2,
+    OutMirror,
+    Out,
+    PinCount
 };
+// What the mode pin selects; any other value makes triggers and ticks do nothing.
+enum TimerMode : int { DelayOn, DelayOff, PulseAfterRise, PulseAfterFall, Toggle, Oscillator };
+}  // namespace kx::guitimer
 
 class KX_GUITimer : public SeGuiInvisibleBase, public TimerClient {
 public:
-    enum Mode { kDelayOn, kDelayOff, kPulseAfterRise, kPulseAfterFall, kToggle, kOscillator };
-
     KX_GUITimer();
 
     void onSetTriggerR();

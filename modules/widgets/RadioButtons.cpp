@@ -1,8 +1,9 @@
-#include "RadioButtons.h"
+#include "widgets/RadioButtons.h"
 
 #include <algorithm>
 #include <cstring>
 
+#include "MpCountedPtr.h"
 #include "MpFactory.h"
 
 KX_RadioButtons::KX_RadioButtons() {
@@ -14,13 +15,10 @@ KX_RadioButtons::KX_RadioButtons() {
 
 int32_t KX_RadioButtons::initialize() {
     const int32_t result = SeGuiInvisibleBase::initialize();
-    void* found = nullptr;
-    if (host && host->queryInterface(gmpi::MP_IID_UI_HOST, &found) == gmpi::MP_OK && found) {
-        auto* firstGeneration = static_cast<gmpi::IMpUserInterfaceHost*>(found);
+    if (auto firstGeneration = gmpi_sdk::queryAs<gmpi::IMpUserInterfaceHost>(host, gmpi::MP_IID_UI_HOST)) {
         int32_t pinCount = 0;
         if (firstGeneration->getPinCount(pinCount) == gmpi::MP_OK)
-            buttonCount_ = std::max(pinCount, int32_t{kRadioFixedPinCount}) - kRadioFixedPinCount;
-        firstGeneration->release();
+            buttonCount_ = std::max(pinCount, int32_t{kx::radio::PinCount}) - kx::radio::PinCount;
     }
     onSetValue();
     return result;

@@ -5,12 +5,19 @@
 #include "MpGuiBase2.h"
 #include "TimerManager.h"
 
-enum RadioButtonsPins {
-    kRadioSelection,
-    kRadioOneBased,     // false: buttons count from 0; true: from 1, and 0 selects none
-    kRadioFirstButton,  // every further pin the host reports is a button, float 1.0 on / 0.0 off
-    kRadioFixedPinCount = kRadioFirstButton
+namespace kx::radio {
+// PinCount counts the pins the module binds; every further pin the host reports, from FirstButton on, is
+// a button, float 1.0 on / 0.0 off.
+enum Pin : int {
+    Selection,
+    OneBased,  // false: buttons count from 0; true: from 1, and 0 selects none
+    PinCount,
+    FirstButton = PinCount
 };
+}  // namespace kx::radio
+namespace kx::toggleswitch {
+enum Pin : int { StateA, StateB, PointerDown, PinCount };
+}
 
 class KX_RadioButtons : public SeGuiInvisibleBase, public TimerClient {
 public:
@@ -32,12 +39,10 @@ private:
 
     MpGuiPin<int> selection_;
     MpGuiPin<bool> oneBased_;
-    const int firstButtonPin_ = kRadioFirstButton;
+    const int firstButtonPin_ = kx::radio::FirstButton;
     // Known from initialize on: the host's pin count less the fixed pins.
     int buttonCount_ = 0;
 };
-
-enum ToggleSwitchPins { kToggleStateA, kToggleStateB, kTogglePointerDown, kTogglePinCount };
 
 class KX_ToggleSwitch : public SeGuiInvisibleBase {
 public:

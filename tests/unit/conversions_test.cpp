@@ -32,38 +32,40 @@ int convertToInt(int inPin, In in, int outPin) {
 }  // namespace
 
 TEST(LevelPitch, MirroredPairsConvertBothWaysWithTheirPinsSwapped) {
-    EXPECT_FLOAT_EQ((convertFloat<KX_V2dB>(V2dBPin::Volts, 1.0f, V2dBPin::Decibels)), -20.0f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_dB2V>(DB2VPin::Decibels, 0.0f, DB2VPin::Volts)), 10.0f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_dB2V>(DB2VPin::Decibels, -20.0f, DB2VPin::Volts)), 1.0f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_dB2V>(DB2VPin::Volts, 1.0f, DB2VPin::Decibels)), -20.0f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_V2dB>(kx::v2db::Volts, 1.0f, kx::v2db::Decibels)), -20.0f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_dB2V>(kx::db2v::Decibels, 0.0f, kx::db2v::Volts)), 10.0f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_dB2V>(kx::db2v::Decibels, -20.0f, kx::db2v::Volts)), 1.0f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_dB2V>(kx::db2v::Volts, 1.0f, kx::db2v::Decibels)), -20.0f);
 
-    EXPECT_FLOAT_EQ((convertFloat<KX_Oct2Hz>(Oct2HzPin::Pitch, 5.0f, Oct2HzPin::Hertz)), 440.0f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_Oct2Hz>(Oct2HzPin::Pitch, 6.0f, Oct2HzPin::Hertz)), 880.0f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_Oct2Hz>(Oct2HzPin::Pitch, 0.0f, Oct2HzPin::Hertz)), 13.75f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_Hz2Oct>(Hz2OctPin::Hertz, 440.0f, Hz2OctPin::Pitch)), 5.0f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_Hz2Oct>(Hz2OctPin::Pitch, 4.0f, Hz2OctPin::Hertz)), 220.0f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_Oct2Hz>(kx::oct2hz::Pitch, 5.0f, kx::oct2hz::Hertz)), 440.0f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_Oct2Hz>(kx::oct2hz::Pitch, 6.0f, kx::oct2hz::Hertz)), 880.0f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_Oct2Hz>(kx::oct2hz::Pitch, 0.0f, kx::oct2hz::Hertz)), 13.75f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_Hz2Oct>(kx::hz2oct::Hertz, 440.0f, kx::hz2oct::Pitch)), 5.0f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_Hz2Oct>(kx::hz2oct::Pitch, 4.0f, kx::hz2oct::Hertz)), 220.0f);
 }
 
 TEST(LevelPitch, OutOfDomainInputsAreSentAsInfinityOrNaN) {
-    EXPECT_EQ((convertFloat<KX_V2dB>(V2dBPin::Volts, 0.0f, V2dBPin::Decibels)), -std::numeric_limits<float>::infinity());
-    EXPECT_TRUE(std::isnan(convertFloat<KX_V2dB>(V2dBPin::Volts, -1.0f, V2dBPin::Decibels)));
-    EXPECT_EQ((convertFloat<KX_Hz2Oct>(Hz2OctPin::Hertz, 0.0f, Hz2OctPin::Pitch)), -std::numeric_limits<float>::infinity());
-    EXPECT_TRUE(std::isnan(convertFloat<KX_Oct2Hz>(Oct2HzPin::Hertz, -5.0f, Oct2HzPin::Pitch)));
+    EXPECT_EQ((convertFloat<KX_V2dB>(kx::v2db::Volts, 0.0f, kx::v2db::Decibels)),
+              -std::numeric_limits<float>::infinity());
+    EXPECT_TRUE(std::isnan(convertFloat<KX_V2dB>(kx::v2db::Volts, -1.0f, kx::v2db::Decibels)));
+    EXPECT_EQ((convertFloat<KX_Hz2Oct>(kx::hz2oct::Hertz, 0.0f, kx::hz2oct::Pitch)),
+              -std::numeric_limits<float>::infinity());
+    EXPECT_TRUE(std::isnan(convertFloat<KX_Oct2Hz>(kx::oct2hz::Hertz, -5.0f, kx::oct2hz::Pitch)));
 }
 
 TEST(LevelPitch, UnchangedResultAndEchoSendNothingMore) {
     Hosted<KX_V2dB> h;
     h.echoTransmissions();
-    h.send(V2dBPin::Volts, 10.0f);  // 0 dB: equal to the pin's initial 0, nothing to send
+    h.send(kx::v2db::Volts, 10.0f);  // 0 dB: equal to the pin's initial 0, nothing to send
     EXPECT_TRUE(h.host.sent.empty());
-    h.send(V2dBPin::Volts, 1.0f);
-    h.send(V2dBPin::Volts, 1.0f);
-    EXPECT_EQ(h.host.on(V2dBPin::Decibels).size(), 1u);
-    EXPECT_EQ(h.host.on(V2dBPin::Volts).size(), 0u);  // the echoed dB converted back to the same volts
+    h.send(kx::v2db::Volts, 1.0f);
+    h.send(kx::v2db::Volts, 1.0f);
+    EXPECT_EQ(h.host.on(kx::v2db::Decibels).size(), 1u);
+    EXPECT_EQ(h.host.on(kx::v2db::Volts).size(), 0u);  // the echoed dB converted back to the same volts
 }
 
 TEST(MidiPitch, NoteNumbersAreTruncatedTowardZero) {
-    using P = Pitch2MidiPin;
+    namespace P = kx::pitch2midi;
     EXPECT_EQ((convertToInt<KX_GUI_Pitch2MIDI>(P::Pitch, 4.25f, P::Midi)), 60);
     EXPECT_EQ((convertToInt<KX_GUI_Pitch2MIDI>(P::Pitch, 4.2499f, P::Midi)), 59);
     EXPECT_EQ((convertToInt<KX_GUI_Pitch2MIDI>(P::Pitch, 4.9999f, P::Midi)), 68);
@@ -71,14 +73,14 @@ TEST(MidiPitch, NoteNumbersAreTruncatedTowardZero) {
     EXPECT_EQ((convertToInt<KX_GUI_Pitch2MIDI>(P::Pitch, 1e10f, P::Midi)), INT_MIN);
     EXPECT_EQ((convertToInt<KX_GUI_Pitch2MIDI>(P::Pitch, std::numeric_limits<float>::quiet_NaN(), P::Midi)), INT_MIN);
     Hosted<KX_GUI_Pitch2MIDI> h;
-    h.send(P::Pitch, 4.0f);  // note 57
+    h.send(P::Pitch, 4.0f);   // note 57
     h.send(P::Pitch, -0.8f);  // -0.6 goes to 0, not -1
     ASSERT_EQ(h.host.on(P::Midi).size(), 2u);
     EXPECT_EQ(h.host.on(P::Midi)[1].asInt(), 0);
 
-    EXPECT_FLOAT_EQ((convertFloat<KX_GUI_MIDI2Pitch>(Midi2PitchPin::Midi, 60, Midi2PitchPin::Pitch)), 4.25f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_GUI_MIDI2Pitch>(Midi2PitchPin::Midi, 0, Midi2PitchPin::Pitch)), -0.75f);
-    EXPECT_FLOAT_EQ((convertFloat<KX_GUI_MIDI2Pitch>(Midi2PitchPin::Midi, INT_MIN, Midi2PitchPin::Pitch)),
+    EXPECT_FLOAT_EQ((convertFloat<KX_GUI_MIDI2Pitch>(kx::midi2pitch::Midi, 60, kx::midi2pitch::Pitch)), 4.25f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_GUI_MIDI2Pitch>(kx::midi2pitch::Midi, 0, kx::midi2pitch::Pitch)), -0.75f);
+    EXPECT_FLOAT_EQ((convertFloat<KX_GUI_MIDI2Pitch>(kx::midi2pitch::Midi, INT_MIN, kx::midi2pitch::Pitch)),
                     static_cast<float>((static_cast<double>(INT_MIN) - 69) / 12.0 + 5.0));
 }
 
@@ -87,25 +89,25 @@ TEST(MidiPitch, ReentryGuardFollowsPinOrderNotDirection) {
     {
         Hosted<KX_GUI_MIDI2Pitch> h;  // pin 0 note, pin 1 pitch
         h.echoTransmissions();
-        h.send(Midi2PitchPin::Pitch, 4.2499f);
-        ASSERT_EQ(h.host.on(Midi2PitchPin::Midi).size(), 1u);
-        EXPECT_EQ(h.host.on(Midi2PitchPin::Midi)[0].asInt(), 59);
-        EXPECT_TRUE(h.host.on(Midi2PitchPin::Pitch).empty());  // the echoed 59 was not turned into 4.1667
+        h.send(kx::midi2pitch::Pitch, 4.2499f);
+        ASSERT_EQ(h.host.on(kx::midi2pitch::Midi).size(), 1u);
+        EXPECT_EQ(h.host.on(kx::midi2pitch::Midi)[0].asInt(), 59);
+        EXPECT_TRUE(h.host.on(kx::midi2pitch::Pitch).empty());  // the echoed 59 was not turned into 4.1667
         EXPECT_FLOAT_EQ(h.module.pitch.value, 4.2499f);
 
-        h.send(Midi2PitchPin::Midi, 61);  // a change of pin 0 from elsewhere still converts
-        ASSERT_EQ(h.host.on(Midi2PitchPin::Pitch).size(), 1u);
+        h.send(kx::midi2pitch::Midi, 61);  // a change of pin 0 from elsewhere still converts
+        ASSERT_EQ(h.host.on(kx::midi2pitch::Pitch).size(), 1u);
     }
     {
         Hosted<KX_GUI_Pitch2MIDI> h;  // pin 0 pitch, pin 1 note
         h.echoTransmissions();
-        h.send(Pitch2MidiPin::Midi, 60);
-        ASSERT_EQ(h.host.on(Pitch2MidiPin::Pitch).size(), 1u);
-        EXPECT_FLOAT_EQ(h.host.on(Pitch2MidiPin::Pitch)[0].asFloat(), 4.25f);
-        EXPECT_TRUE(h.host.on(Pitch2MidiPin::Midi).empty());
+        h.send(kx::pitch2midi::Midi, 60);
+        ASSERT_EQ(h.host.on(kx::pitch2midi::Pitch).size(), 1u);
+        EXPECT_FLOAT_EQ(h.host.on(kx::pitch2midi::Pitch)[0].asFloat(), 4.25f);
+        EXPECT_TRUE(h.host.on(kx::pitch2midi::Midi).empty());
 
-        h.send(Pitch2MidiPin::Pitch, 4.2499f);  // pin 0 is not guarded: it converts into pin 1
-        ASSERT_EQ(h.host.on(Pitch2MidiPin::Midi).size(), 1u);
-        EXPECT_EQ(h.host.on(Pitch2MidiPin::Midi)[0].asInt(), 59);
+        h.send(kx::pitch2midi::Pitch, 4.2499f);  // pin 0 is not guarded: it converts into pin 1
+        ASSERT_EQ(h.host.on(kx::pitch2midi::Midi).size(), 1u);
+        EXPECT_EQ(h.host.on(kx::pitch2midi::Midi)[0].asInt(), 59);
     }
 }

@@ -20,23 +20,23 @@ protected:
     void SetUp() override {
         module.setClock([this] { return nowMs * 1'000'000; });
         module.setHost(host.unknown());
-        deliver(module, kDblValue, 0.7f);
-        deliver(module, kDblResetValue, 0.25f);
-        deliver(module, kDblTimeLimitMs, 300.0f);
+        deliver(module, kx::dblclckres::Value, 0.7f);
+        deliver(module, kx::dblclckres::ResetValue, 0.25f);
+        deliver(module, kx::dblclckres::TimeLimitMs, 300.0f);
     }
     void click(std::int64_t atMs) {
         nowMs = atMs;
-        deliver(module, kDblPointerDown, true);
-        deliver(module, kDblPointerDown, false);
+        deliver(module, kx::dblclckres::PointerDown, true);
+        deliver(module, kx::dblclckres::PointerDown, false);
     }
-    int resets() const { return static_cast<int>(host.on(kDblValue).size()); }
+    int resets() const { return static_cast<int>(host.on(kx::dblclckres::Value).size()); }
 };
 
 }  // namespace
 
 TEST_F(DblClckRes, FirstPressNeverResets) {
     nowMs = 100;  // even right after the clock's epoch
-    deliver(module, kDblPointerDown, true);
+    deliver(module, kx::dblclckres::PointerDown, true);
     EXPECT_EQ(resets(), 0);
 }
 
@@ -44,7 +44,7 @@ TEST_F(DblClckRes, PressesWithinTheLimitWithAReleaseBetweenReset) {
     click(nowMs);
     click(nowMs + 250);
     ASSERT_EQ(resets(), 1);
-    EXPECT_FLOAT_EQ(host.on(kDblValue)[0].asFloat(), 0.25f);
+    EXPECT_FLOAT_EQ(host.on(kx::dblclckres::Value)[0].asFloat(), 0.25f);
 }
 
 TEST_F(DblClckRes, TheLimitItselfStillCountsAndBeyondItDoesNot) {
@@ -56,25 +56,25 @@ TEST_F(DblClckRes, TheLimitItselfStillCountsAndBeyondItDoesNot) {
 }
 
 TEST_F(DblClckRes, PressesWithoutAReleaseBetweenDoNothing) {
-    deliver(module, kDblPointerDown, true);
+    deliver(module, kx::dblclckres::PointerDown, true);
     nowMs += 100;
-    deliver(module, kDblPointerDown, true);
+    deliver(module, kx::dblclckres::PointerDown, true);
     EXPECT_EQ(resets(), 0);
 }
 
 TEST_F(DblClckRes, NothingIsSentWhenTheValueIsAlreadyTheResetValue) {
-    deliver(module, kDblValue, 0.25f);
+    deliver(module, kx::dblclckres::Value, 0.25f);
     click(nowMs);
     click(nowMs + 10);
     EXPECT_EQ(resets(), 0);
 }
 
 TEST_F(DblClckRes, UnrepresentableLimitsAreSafe) {
-    deliver(module, kDblTimeLimitMs, std::numeric_limits<float>::quiet_NaN());
+    deliver(module, kx::dblclckres::TimeLimitMs, std::numeric_limits<float>::quiet_NaN());
     click(nowMs);
     click(nowMs + 1);
     EXPECT_EQ(resets(), 0);
-    deliver(module, kDblTimeLimitMs, std::numeric_limits<float>::infinity());
+    deliver(module, kx::dblclckres::TimeLimitMs, std::numeric_limits<float>::infinity());
     click(nowMs + 1'000'000);
     EXPECT_EQ(resets(), 1);
 }
@@ -83,9 +83,9 @@ TEST(DblClckResClock, DefaultClockIsMonotonic) {
     kxtest::FakeGuiHost host;
     KX_DblClckRes module;
     module.setHost(host.unknown());
-    deliver(module, kDblResetValue, 1.0f);
-    deliver(module, kDblTimeLimitMs, 60'000.0f);
+    deliver(module, kx::dblclckres::ResetValue, 1.0f);
+    deliver(module, kx::dblclckres::TimeLimitMs, 60'000.0f);
     for (bool down : {true, false, true})
-        deliver(module, kDblPointerDown, down);
-    EXPECT_EQ(host.on(kDblValue).size(), 1u);
+        deliver(module, kx::dblclckres::PointerDown, down);
+    EXPECT_EQ(host.on(kx::dblclckres::Value).size(), 1u);
 }

@@ -5,7 +5,7 @@
 #include "AllocationCounter.h"
 #include "FakeAudioHost.h"
 #include "logic/DspGuiBridges.h"
-#include "logic/HostState.h"
+#include "logic/GuiSet2Trig.h"
 #include "logic/PatchMemory.h"
 
 using kxtest::AllocationCounter;
@@ -45,7 +45,7 @@ TEST(DspAllocation, IntFloatAndBoolValuesFlowWithoutHeapAllocation) {
     EXPECT_EQ(allocationsWhileProcessing<KX_PM_FLOAT_DSP>(floats.list()), 0);
     EXPECT_EQ(allocationsWhileProcessing<KX_PM_BOOL_DSP>(bools.list()), 0);
     float buffer[64];
-    EXPECT_EQ(allocationsWhileProcessing<KX_GUISet2Trig>(trigger.list(), buffer, KX_GUISet2Trig::pinSignalIndex), 0);
+    EXPECT_EQ(allocationsWhileProcessing<KX_GUISet2Trig>(trigger.list(), buffer, kx::set2trig::dsp::Signal), 0);
 
     // The counter does see allocations: a text value allocates.
     kxtest::Events text;

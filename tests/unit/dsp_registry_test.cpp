@@ -7,7 +7,8 @@
 
 #include "MpFactory.h"
 #include "logic/DspGuiBridges.h"
-#include "logic/HostState.h"
+#include "logic/GuiSampleRate.h"
+#include "logic/GuiSet2Trig.h"
 #include "logic/PatchMemory.h"
 
 namespace {

@@ -11,15 +11,15 @@ std::pair<std::wstring, std::wstring> split(const std::wstring& path) {
     Hosted<KX_SplitFName> h;
     h.module.folder = L"?";  // so that an empty result is visible as a change
     h.module.fileName = L"?";
-    h.sendText(SplitFNamePin::Path, path);
+    h.sendText(kx::splitfname::Path, path);
     return {h.module.folder.value, h.module.fileName.value};
 }
 
 std::wstring append(const std::wstring& folder, const std::wstring& name) {
     Hosted<KX_AppendFName> h;
     h.module.path = L"?";
-    h.sendText(AppendFNamePin::Folder, folder);
-    h.sendText(AppendFNamePin::FileName, name);
+    h.sendText(kx::appendfname::Folder, folder);
+    h.sendText(kx::appendfname::FileName, name);
     return h.module.path.value;
 }
 
@@ -38,10 +38,10 @@ TEST(SplitFName, FollowsPosixPathRules) {
 
 TEST(SplitFName, FolderIsWrittenBeforeTheFileName) {
     Hosted<KX_SplitFName> h;
-    h.sendText(SplitFNamePin::Path, L"/a/b.txt");
+    h.sendText(kx::splitfname::Path, L"/a/b.txt");
     ASSERT_EQ(h.host.sent.size(), 2u);
-    EXPECT_EQ(h.host.sent[0].pin, SplitFNamePin::Folder);
-    EXPECT_EQ(h.host.sent[1].pin, SplitFNamePin::FileName);
+    EXPECT_EQ(h.host.sent[0].pin, kx::splitfname::Folder);
+    EXPECT_EQ(h.host.sent[1].pin, kx::splitfname::FileName);
 }
 
 TEST(AppendFName, JoinsWithOneSlashAndAbsoluteNamesReplaceTheFolder) {
@@ -63,13 +63,13 @@ TEST(FileNames, SplitThenAppendLosesOnlyATrailingSlash) {
 TEST(FileNames, TextThatIsNotUnicodeWritesNothing) {
     const std::wstring broken(1, static_cast<wchar_t>(0xD800));
     Hosted<KX_SplitFName> s;
-    EXPECT_EQ(s.module.notifyPin(SplitFNamePin::Path, 0), 0);
-    s.sendText(SplitFNamePin::Path, L"/a/" + broken);
+    EXPECT_EQ(s.module.notifyPin(kx::splitfname::Path, 0), 0);
+    s.sendText(kx::splitfname::Path, L"/a/" + broken);
     EXPECT_TRUE(s.host.sent.empty());
 
     Hosted<KX_AppendFName> a;
-    a.sendText(AppendFNamePin::Folder, L"/a");
+    a.sendText(kx::appendfname::Folder, L"/a");
     a.host.sent.clear();
-    a.sendText(AppendFNamePin::FileName, broken);
+    a.sendText(kx::appendfname::FileName, broken);
     EXPECT_TRUE(a.host.sent.empty());
 }

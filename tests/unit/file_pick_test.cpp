@@ -18,8 +18,8 @@
 
 namespace fs = std::filesystem;
 using kxtest::Hosted;
-using P = FileBrowserPin;
-using R = FileReqPin;
+namespace P = kx::filebrowser;
+namespace R = kx::filereq;
 
 namespace {
 

@@ -25,22 +25,22 @@ protected:
     void SetUp() override {
         timer.setHost(host.unknown());
         host.onTransmit = [this](int pin, int, const void* data) {
-            if (pin == kGuiTimerOut)
+            if (pin == kx::guitimer::Out)
                 trace.emplace_back(loop.now(), *static_cast<const bool*>(data));
         };
     }
     void configure(int mode, int t1, int t2) {
-        deliver(timer, kGuiTimerMode, mode);
-        deliver(timer, kGuiTimerTime1, t1);
-        deliver(timer, kGuiTimerTime2, t2);
+        deliver(timer, kx::guitimer::Mode, mode);
+        deliver(timer, kx::guitimer::Time1, t1);
+        deliver(timer, kx::guitimer::Time2, t2);
     }
-    void trigger(bool value, int pin = kGuiTimerTriggerR) { deliver(timer, pin, value); }
+    void trigger(bool value, int pin = kx::guitimer::TriggerR) { deliver(timer, pin, value); }
 };
 
 }  // namespace
 
 TEST_F(GuiTimer, DelayOnFiresOnceAndATrueThenFalseBeforeTheDelayLeavesNoTick) {
-    configure(KX_GUITimer::kDelayOn, 100, 0);
+    configure(kx::guitimer::DelayOn, 100, 0);
     trigger(true);
     loop.advance(500);
     trigger(false);
@@ -56,7 +56,7 @@ TEST_F(GuiTimer, DelayOnFiresOnceAndATrueThenFalseBeforeTheDelayLeavesNoTick) {
 }
 
 TEST_F(GuiTimer, DelayOffHoldsTheOutputForTime1AfterTheFall) {
-    configure(KX_GUITimer::kDelayOff, 100, 0);
+    configure(kx::guitimer::DelayOff, 100, 0);
     trigger(true);
     loop.advance(40);
     trigger(false);
@@ -66,14 +66,14 @@ TEST_F(GuiTimer, DelayOffHoldsTheOutputForTime1AfterTheFall) {
 }
 
 TEST_F(GuiTimer, DelayedPulsesFollowTheirEdge) {
-    configure(KX_GUITimer::kPulseAfterRise, 100, 30);
+    configure(kx::guitimer::PulseAfterRise, 100, 30);
     trigger(true);
     trigger(false);  // a rising-edge pulse ignores the fall
     loop.advance(1000);
     EXPECT_EQ(trace, (Trace{{100, true}, {130, false}}));
 
     trace.clear();
-    deliver(timer, kGuiTimerMode, int{KX_GUITimer::kPulseAfterFall});
+    deliver(timer, kx::guitimer::Mode, int{kx::guitimer::PulseAfterFall});
     trigger(true);
     loop.advance(500);
     trigger(false);
@@ -83,7 +83,7 @@ TEST_F(GuiTimer, DelayedPulsesFollowTheirEdge) {
 }
 
 TEST_F(GuiTimer, ToggleFlipsOnTrueOnlyAndNeverUsesTheTimer) {
-    configure(KX_GUITimer::kToggle, 100, 100);
+    configure(kx::guitimer::Toggle, 100, 100);
     trigger(true);
     trigger(false);
     trigger(true);
@@ -93,7 +93,7 @@ TEST_F(GuiTimer, ToggleFlipsOnTrueOnlyAndNeverUsesTheTimer) {
 }
 
 TEST_F(GuiTimer, OscillatorIsTrueForTime1AndFalseForTime2UntilTheTriggerFalls) {
-    configure(KX_GUITimer::kOscillator, 100, 300);
+    configure(kx::guitimer::Oscillator, 100, 300);
     trigger(true);
     loop.advance(850);
     trigger(false);
@@ -103,45 +103,45 @@ TEST_F(GuiTimer, OscillatorIsTrueForTime1AndFalseForTime2UntilTheTriggerFalls) {
 }
 
 TEST_F(GuiTimer, OutputsMoveTogetherPrimaryFirstAndOnlyOnChange) {
-    configure(KX_GUITimer::kToggle, 0, 0);
+    configure(kx::guitimer::Toggle, 0, 0);
     host.sent.clear();
     trigger(true);
-    deliver(timer, kGuiTimerMode, int{KX_GUITimer::kToggle});  // resets to false
-    deliver(timer, kGuiTimerMode, int{KX_GUITimer::kToggle});  // already false: nothing
+    deliver(timer, kx::guitimer::Mode, int{kx::guitimer::Toggle});  // resets to false
+    deliver(timer, kx::guitimer::Mode, int{kx::guitimer::Toggle});  // already false: nothing
     ASSERT_EQ(host.sent.size(), 4u);
-    EXPECT_EQ(host.sent[0].pin, kGuiTimerOut);
-    EXPECT_EQ(host.sent[1].pin, kGuiTimerOutMirror);
+    EXPECT_EQ(host.sent[0].pin, kx::guitimer::Out);
+    EXPECT_EQ(host.sent[1].pin, kx::guitimer::OutMirror);
     EXPECT_TRUE(host.sent[1].asBool());
-    EXPECT_EQ(host.sent[2].pin, kGuiTimerOut);
+    EXPECT_EQ(host.sent[2].pin, kx::guitimer::Out);
     EXPECT_FALSE(host.sent[3].asBool());
 }
 
 TEST_F(GuiTimer, TriggerLWaitsForTheSettingsAndTriggerRIsLost) {
-    trigger(true, kGuiTimerTriggerR);
-    trigger(true, kGuiTimerTriggerL);
-    deliver(timer, kGuiTimerMode, int{KX_GUITimer::kToggle});
-    deliver(timer, kGuiTimerTime1, 10);
+    trigger(true, kx::guitimer::TriggerR);
+    trigger(true, kx::guitimer::TriggerL);
+    deliver(timer, kx::guitimer::Mode, int{kx::guitimer::Toggle});
+    deliver(timer, kx::guitimer::Time1, 10);
     EXPECT_TRUE(trace.empty());
-    deliver(timer, kGuiTimerTime2, 10);  // completes the set: L is replayed once
+    deliver(timer, kx::guitimer::Time2, 10);  // completes the set: L is replayed once
     EXPECT_EQ(trace, (Trace{{0, true}}));
-    deliver(timer, kGuiTimerTime2, 20);
+    deliver(timer, kx::guitimer::Time2, 20);
     EXPECT_EQ(trace, (Trace{{0, true}}));
 }
 
 TEST_F(GuiTimer, ModeMinusOneKeepsTriggerLPending) {
-    deliver(timer, kGuiTimerTime1, 10);
-    deliver(timer, kGuiTimerTime2, 10);
-    trigger(true, kGuiTimerTriggerL);
-    deliver(timer, kGuiTimerMode, -1);
+    deliver(timer, kx::guitimer::Time1, 10);
+    deliver(timer, kx::guitimer::Time2, 10);
+    trigger(true, kx::guitimer::TriggerL);
+    deliver(timer, kx::guitimer::Mode, -1);
     EXPECT_TRUE(trace.empty());
-    deliver(timer, kGuiTimerMode, int{KX_GUITimer::kDelayOff});
+    deliver(timer, kx::guitimer::Mode, int{kx::guitimer::DelayOff});
     EXPECT_EQ(trace, (Trace{{0, true}}));
 }
 
 TEST_F(GuiTimer, ModeChangeStopsTheTimerAndResetsTheOutput) {
-    configure(KX_GUITimer::kOscillator, 100, 100);
+    configure(kx::guitimer::Oscillator, 100, 100);
     trigger(true);
-    deliver(timer, kGuiTimerMode, 9);  // out of range: stored, triggers and ticks do nothing
+    deliver(timer, kx::guitimer::Mode, 9);  // out of range: stored, triggers and ticks do nothing
     trigger(false);
     trigger(true);
     loop.advance(1000);
@@ -150,13 +150,13 @@ TEST_F(GuiTimer, ModeChangeStopsTheTimerAndResetsTheOutput) {
 }
 
 TEST_F(GuiTimer, NegativeTimesClampExceptTheTime1PinOfDelayOn) {
-    configure(KX_GUITimer::kPulseAfterFall, -50, -7);
+    configure(kx::guitimer::PulseAfterFall, -50, -7);
     trigger(false);  // t1 and t2 clamped to 0
     loop.advance(1);
     loop.advance(1);
     EXPECT_EQ(trace, (Trace{{1, true}, {2, false}}));
 
-    deliver(timer, kGuiTimerMode, int{KX_GUITimer::kDelayOn});
+    deliver(timer, kx::guitimer::Mode, int{kx::guitimer::DelayOn});
     trigger(true);
     bool inNegativeGroup = false;
     for (const auto& g : TimerManager::Instance().groups())

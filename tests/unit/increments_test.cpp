@@ -14,17 +14,17 @@ namespace {
 std::vector<int> walk(Hosted<KX_IntInc>& h, int n, float delta = 1.0f) {
     std::vector<int> values;
     for (int i = 0; i < n; ++i) {
-        h.send(IntIncPin::Delta, delta);
+        h.send(kx::inc::Delta, delta);
         values.push_back(h.module.value.value);
     }
     return values;
 }
 
 void setUp(Hosted<KX_IntInc>& h, int value, int lo, int hi, float step) {
-    h.send(IntIncPin::Minimum, lo);
-    h.send(IntIncPin::Maximum, hi);
-    h.send(IntIncPin::Step, step);
-    h.send(IntIncPin::Value, value);
+    h.send(kx::inc::Minimum, lo);
+    h.send(kx::inc::Maximum, hi);
+    h.send(kx::inc::Step, step);
+    h.send(kx::inc::Value, value);
 }
 
 }  // namespace
@@ -33,7 +33,7 @@ TEST(IntInc, FractionalStepsAccumulate) {
     Hosted<KX_IntInc> h;
     setUp(h, 3, 0, 10, 0.4f);
     EXPECT_EQ(walk(h, 3), (std::vector<int>{3, 3, 4}));
-    EXPECT_EQ(h.host.on(IntIncPin::Value).size(), 1u);
+    EXPECT_EQ(h.host.on(kx::inc::Value).size(), 1u);
 }
 
 // The host echoes the written value back into pin 0. If the echo reset the accumulator, 4.2 would become
@@ -49,7 +49,7 @@ TEST(IntInc, AValueFromElsewhereRestartsTheAccumulator) {
     Hosted<KX_IntInc> h;
     setUp(h, 3, 0, 10, 0.4f);
     walk(h, 2);  // accumulator 3.8
-    h.send(IntIncPin::Value, 7);
+    h.send(kx::inc::Value, 7);
     EXPECT_EQ(walk(h, 3), (std::vector<int>{7, 7, 8}));
 }
 
@@ -67,17 +67,17 @@ TEST(IntInc, LimitsClampTheAccumulatorAndValuesTruncateTowardZero) {
 TEST(IntInc, ZeroDeltaDoesNothingButNaNIsProcessed) {
     Hosted<KX_IntInc> h;
     setUp(h, 3, 0, 10, 0.4f);
-    walk(h, 1);          // 3.4
-    walk(h, 5, 0.0f);    // nothing, the fraction stays
-    walk(h, 1, -0.0f);   // equal to 0 as well
+    walk(h, 1);         // 3.4
+    walk(h, 5, 0.0f);   // nothing, the fraction stays
+    walk(h, 1, -0.0f);  // equal to 0 as well
     EXPECT_EQ(walk(h, 2), (std::vector<int>{3, 4}));
-    EXPECT_TRUE(h.host.on(IntIncPin::Value).size() == 1u);
+    EXPECT_TRUE(h.host.on(kx::inc::Value).size() == 1u);
     walk(h, 1, std::numeric_limits<float>::quiet_NaN());
     EXPECT_EQ(h.module.value.value, std::numeric_limits<int>::min());
 }
 
 TEST(FloatInc, ClampsAtTheMaximumAndThenSendsNothing) {
-    using P = FloatIncPin;
+    namespace P = kx::inc;
     Hosted<KX_FloatInc> h;
     h.send(P::Maximum, 1.0f);
     h.send(P::Step, 0.2f);
@@ -95,7 +95,7 @@ TEST(FloatInc, ClampsAtTheMaximumAndThenSendsNothing) {
 }
 
 TEST(PMInc, StaysWithinZeroAndOne) {
-    using P = PMIncPin;
+    namespace P = kx::pminc;
     Hosted<KX_PMInc> h;
     h.send(P::Step, 0.1f);
     h.send(P::Value, 0.05f);

@@ -4,7 +4,7 @@
 #include "convert/NoteNames.h"
 
 using kxtest::Hosted;
-using P = NoteNamePin;
+namespace P = kx::notename;
 
 namespace {
 
@@ -45,7 +45,7 @@ TEST(NoteNames, KeyAndOctaveJoinIntoANoteOnceAndOnlyWhenItChanges) {
     m.send(P::Octave, 4);
     ASSERT_FALSE(m.host.on(P::Note).empty());
     EXPECT_EQ(m.host.on(P::Note).back().asInt(), 60);
-    m.send(P::Key, 15);    // out-of-range keys are applied as they are: 15 + 48 + 9 = 72
+    m.send(P::Key, 15);  // out-of-range keys are applied as they are: 15 + 48 + 9 = 72
     EXPECT_EQ(m.host.on(P::Note).back().asInt(), 72);
     m.send(P::Octave, 3);  // 15 + 36 + 9 = 60
     EXPECT_EQ(m.host.on(P::Note).back().asInt(), 60);

@@ -11,7 +11,7 @@ using kxtest::Hosted;
 namespace {
 
 std::wstring floatText(float value, int decimals) {
-    using P = Float2TxtCPin;
+    namespace P = kx::float2txt;
     Hosted<KX_Float2TxtC> h;
     h.send(P::Minimum, -1e30f);
     h.send(P::Maximum, 1e30f);
@@ -49,7 +49,7 @@ TEST(Float2TxtC, FormatsInGeneralNotationWithOneMoreSignificantDigit) {
 }
 
 TEST(Float2TxtC, ValueIsClampedForTheTextOnlyAndDecimalsReformat) {
-    using P = Float2TxtCPin;
+    namespace P = kx::float2txt;
     Hosted<KX_Float2TxtC> h;
     withLimits(h, P::Minimum, P::Maximum, 0.0f, 10.0f);
     h.send(P::Decimals, 2);
@@ -62,7 +62,7 @@ TEST(Float2TxtC, ValueIsClampedForTheTextOnlyAndDecimalsReformat) {
 }
 
 TEST(Float2TxtC, TextOutsideTheLimitsIsReplacedByTheLimitAndGarbageWritesNothing) {
-    using P = Float2TxtCPin;
+    namespace P = kx::float2txt;
     Hosted<KX_Float2TxtC> h;
     withLimits(h, P::Minimum, P::Maximum, 0.0f, 10.0f);
     h.send(P::Decimals, 2);
@@ -93,7 +93,7 @@ TEST(Float2TxtC, TextOutsideTheLimitsIsReplacedByTheLimitAndGarbageWritesNothing
 }
 
 TEST(Int2TxtC, TypedTextWithinLimitsIsKeptAndOutsideIsReplaced) {
-    using P = Int2TxtCPin;
+    namespace P = kx::int2txt;
     Hosted<KX_Int2TxtC> h;
     withLimits(h, P::Minimum, P::Maximum, 0, 10);
     h.sendText(P::Text, L"007");
@@ -114,7 +114,7 @@ TEST(Int2TxtC, TypedTextWithinLimitsIsKeptAndOutsideIsReplaced) {
 }
 
 TEST(Int2TxtC, NonNumbersAndOverflowReachNoPin) {
-    using P = Int2TxtCPin;
+    namespace P = kx::int2txt;
     Hosted<KX_Int2TxtC> h;
     withLimits(h, P::Minimum, P::Maximum, -100, 100);
     h.sendText(P::Text, L"42");
@@ -129,7 +129,7 @@ TEST(Int2TxtC, NonNumbersAndOverflowReachNoPin) {
 }
 
 TEST(Int2TxtC, ValueBeyondTheLimitsShowsTheLimitButKeepsTheValue) {
-    using P = Int2TxtCPin;
+    namespace P = kx::int2txt;
     Hosted<KX_Int2TxtC> h;
     withLimits(h, P::Minimum, P::Maximum, 0, 10);
     h.send(P::Value, 42);
@@ -141,7 +141,7 @@ TEST(Int2TxtC, ValueBeyondTheLimitsShowsTheLimitButKeepsTheValue) {
 }
 
 TEST(ARGB2Str, ChannelsTruncateToEightHexDigits) {
-    using P = ARGB2StrPin;
+    namespace P = kx::argb2str;
     Hosted<KX_ARGB2Str> h;
     h.send(P::Alpha, 1.0f);
     h.send(P::Green, 0.5f);
@@ -158,7 +158,7 @@ TEST(ARGB2Str, ChannelsTruncateToEightHexDigits) {
 }
 
 TEST(ARGB2Str, TextIsOneHexNumberWithoutSpecialCases) {
-    using P = ARGB2StrPin;
+    namespace P = kx::argb2str;
     Hosted<KX_ARGB2Str> h;
     h.sendText(P::Text, L"0xff007fff");
     EXPECT_FLOAT_EQ(h.module.alpha.value, 1.0f);
@@ -192,20 +192,20 @@ TEST(ARGB2Str, TextIsOneHexNumberWithoutSpecialCases) {
 // the text the user typed.
 TEST(NumberText, EchoOfTheValueLeavesTypedTextAsTyped) {
     Hosted<KX_Int2TxtC> i;
-    withLimits(i, Int2TxtCPin::Minimum, Int2TxtCPin::Maximum, 0, 10);
+    withLimits(i, kx::int2txt::Minimum, kx::int2txt::Maximum, 0, 10);
     i.echoTransmissions();
-    i.sendText(Int2TxtCPin::Text, L"007");
+    i.sendText(kx::int2txt::Text, L"007");
     EXPECT_EQ(i.module.value.value, 7);
     EXPECT_EQ(i.module.text.value, L"007");
-    i.sendText(Int2TxtCPin::Text, L"12");
+    i.sendText(kx::int2txt::Text, L"12");
     EXPECT_EQ(i.module.text.value, L"10");
-    i.send(Int2TxtCPin::Value, 3);  // the value from elsewhere still rewrites the text
+    i.send(kx::int2txt::Value, 3);  // the value from elsewhere still rewrites the text
     EXPECT_EQ(i.module.text.value, L"3");
 
     Hosted<KX_Float2TxtC> f;
-    withLimits(f, Float2TxtCPin::Minimum, Float2TxtCPin::Maximum, 0.0f, 1000.0f);
+    withLimits(f, kx::float2txt::Minimum, kx::float2txt::Maximum, 0.0f, 1000.0f);
     f.echoTransmissions();
-    f.sendText(Float2TxtCPin::Text, L"0440.0");
+    f.sendText(kx::float2txt::Text, L"0440.0");
     EXPECT_FLOAT_EQ(f.module.value.value, 440.0f);
     EXPECT_EQ(f.module.text.value, L"0440.0");
 }

@@ -7,7 +7,7 @@
 #include "logic/RandomValues.h"
 
 using kxtest::Hosted;
-using P = RandomValuePin;
+namespace P = kx::rnd;
 
 namespace {
 

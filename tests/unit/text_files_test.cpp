@@ -8,7 +8,7 @@
 
 using kxtest::Hosted;
 using kxtest::TempFolder;
-using P = TextFilePin;
+namespace P = kx::textfile;
 
 namespace {
 

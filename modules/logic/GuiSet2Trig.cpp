@@ -1,39 +1,10 @@
-// KX_GUISampleRate and KX_GUISet2Trig: host state and GUI changes brought across the two graphs. The
-// classes are declared in HostState.h.
-#include "HostState.h"
+#include "logic/GuiSet2Trig.h"
 
 #include <initializer_list>
 
 #include "MpFactory.h"
 
-// ---- sample rate
-
-int32_t KX_GUISampleRate::open() {
-    if (host && host->getSampleRate(sampleRate) == gmpi::MP_OK)
-        host->sendMessageToGui(0, sizeof sampleRate, &sampleRate);
-    return MpBase2::open();
-}
-
-KX_GUISampleRateGUI::KX_GUISampleRateGUI() {
-    initializePin(pinDefault, &KX_GUISampleRateGUI::onSetDefault);
-    initializePin(pinSampleRate);
-}
-
-int32_t KX_GUISampleRateGUI::receiveMessageFromAudio(int32_t, int32_t size, const void* data) {
-    if (size != static_cast<int32_t>(sizeof(float)) || !data)
-        return gmpi::MP_FAIL;
-    pinTransmit(pinSampleRateIndex, size, data, 0);
-    received = true;
-    return gmpi::MP_OK;
-}
-
-void KX_GUISampleRateGUI::onSetDefault() {
-    // Once the engine has reported, its rate stands.
-    if (!received)
-        pinSampleRate = pinDefault.getValue();
-}
-
-// ---- set to trigger
+// ---- GUI half
 
 KX_GUISet2TrigGUI::KX_GUISet2TrigGUI() {
     for (MpGuiPinBase* pin :
@@ -51,6 +22,8 @@ void KX_GUISet2TrigGUI::onSetPins() {
     pinToggle = toggle;
     toggle = !toggle;
 }
+
+// ---- DSP half
 
 KX_GUISet2Trig::KX_GUISet2Trig() {
     initializePin(pinTrigger);
@@ -101,8 +74,6 @@ void KX_GUISet2Trig::subProcess(int sampleFrames) {
 }
 
 namespace {
-const bool registered = gmpi::Register<KX_GUISampleRate>::withId(L"KX_GUISampleRate") &&
-                        gmpi::Register<KX_GUISampleRateGUI>::withId(L"KX_GUISampleRate") &&
-                        gmpi::Register<KX_GUISet2Trig>::withId(L"KX_GUISet2Trig") &&
+const bool registered = gmpi::Register<KX_GUISet2Trig>::withId(L"KX_GUISet2Trig") &&
                         gmpi::Register<KX_GUISet2TrigGUI>::withId(L"KX_GUISet2Trig");
 }  // namespace

@@ -4,7 +4,7 @@
 
 #include "FakeAudioHost.h"
 #include "FakeGuiHost.h"
-#include "logic/HostState.h"
+#include "logic/GuiSet2Trig.h"
 
 using kxtest::Events;
 using kxtest::FakeAudioHost;
@@ -18,7 +18,7 @@ struct Trigger : ::testing::Test {
     std::vector<float> out = std::vector<float>(32, -1.0f);
     void SetUp() override {
         m->setHost(host.unknown());
-        m->setBuffer(KX_GUISet2Trig::pinSignalIndex, out.data());
+        m->setBuffer(kx::set2trig::dsp::Signal, out.data());
     }
     void TearDown() override { m->release(); }
     // Indexes of the samples at the given level.
@@ -82,29 +82,4 @@ TEST(Set2TrigGUI, FiveWarmUpNotificationsThenTogglesOncePerChange) {
     EXPECT_FALSE(host.sent[1].asBool());
     EXPECT_TRUE(host.sent[2].asBool());
     m->release();
-}
-
-TEST(GUISampleRate, DefaultUntilTheEngineReportsThenTheEnginesRate) {
-    FakeGuiHost gui;
-    auto* g = new kx::Guarded<KX_GUISampleRateGUI>();
-    g->setHost(gui.unknown());
-    kxtest::deliver(*g, 0, 44100.0f);
-    ASSERT_EQ(gui.on(1).size(), 1u);
-    EXPECT_FLOAT_EQ(gui.on(1)[0].asFloat(), 44100.0f);
-
-    FakeAudioHost audio;
-    audio.sampleRate = 48000.0f;
-    auto* d = new kx::Guarded<KX_GUISampleRate>();
-    d->setHost(audio.unknown());
-    EXPECT_EQ(d->open(), gmpi::MP_OK);
-    ASSERT_EQ(audio.messages.size(), 1u);
-    const std::string& message = audio.messages[0].bytes;
-    EXPECT_EQ(g->receiveMessageFromAudio(0, static_cast<int32_t>(message.size()), message.data()), gmpi::MP_OK);
-    EXPECT_FLOAT_EQ(gui.on(1).back().asFloat(), 48000.0f);
-
-    kxtest::deliver(*g, 0, 22050.0f);
-    EXPECT_EQ(gui.on(1).size(), 2u) << "later defaults are ignored";
-    EXPECT_EQ(g->receiveMessageFromAudio(0, 2, message.data()), gmpi::MP_FAIL);
-    d->release();
-    g->release();
 }
