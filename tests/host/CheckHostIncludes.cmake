@@ -1,8 +1,8 @@
 # Fails when a host source includes a project header other than "gmpi/..." and the host's own headers:
 # the host must be a consumer of the plug-in interface only.
 cmake_minimum_required(VERSION 3.25)
-file(GLOB sources ${HOST_DIR}/*.h ${HOST_DIR}/*.cpp)
-file(GLOB own RELATIVE ${HOST_DIR} ${HOST_DIR}/*.h)
+file(GLOB_RECURSE sources ${HOST_DIR}/*.h ${HOST_DIR}/*.cpp)
+file(GLOB_RECURSE own RELATIVE ${HOST_DIR} ${HOST_DIR}/*.h)
 set(bad "")
 foreach(source IN LISTS sources)
   file(STRINGS ${source} lines REGEX "^[ \t]*#[ \t]*include[ \t]*\"")
