@@ -5,7 +5,6 @@
 #include <iomanip>
 #include <iostream>
 
-#include "gui/Graphics.h"
 #include "patch/Catalogue.h"
 #include "patch/Error.h"
 #include "session/Bundle.h"
@@ -114,7 +113,6 @@ int main(int argc, char** argv) {
                 std::filesystem::create_directories(output, ec);
                 if (!std::filesystem::is_directory(output))
                     throw HostError("cannot make the output folder " + output);
-                snapshotFolder() = output;
             }
             return run(paths, patchFile, output);
         }

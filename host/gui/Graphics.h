@@ -23,9 +23,6 @@ namespace kxhost {
 
 class Panel;
 
-// Where kxhost writes snapshots (empty: they are rendered but not written). Set from "run --out DIR".
-std::filesystem::path& snapshotFolder();
-
 // One placement from the patch: "place NAME X Y [W H]".
 struct Placement {
     std::string instance;
@@ -131,9 +128,5 @@ private:
     std::deque<std::shared_ptr<PendingRequest>> openFile_, openText_;
     std::vector<std::pair<std::shared_ptr<PendingRequest>, ScriptedAnswer>> due_;
 };
-
-// Reads two PNG images and counts the pixels whose colour or alpha differs by more than tolerance in any
-// channel. -1 when either cannot be read or the sizes differ.
-long differingPixels(cairo_surface_t* a, cairo_surface_t* b, int tolerance);
 
 }  // namespace kxhost

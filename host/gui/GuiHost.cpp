@@ -7,7 +7,6 @@
 #include "gmpi/IString.h"
 #include "gui/HostObject.h"
 #include "patch/Text.h"
-#include "session/Session.h"
 
 namespace kxhost {
 
@@ -74,56 +73,37 @@ std::filesystem::path findResource(const std::vector<std::filesystem::path>& fol
     return candidates.empty() ? given : candidates.front();
 }
 
+gmpi::IMpUnknown* FaceTable::find(const gmpi::MpGuid& iid) const {
+    for (const auto& [id, face] : faces_)
+        if (id == iid)
+            return face;
+    return nullptr;
+}
+
 int32_t GuiHost::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
     if (!returnInterface)
         return gmpi::MP_NOSUPPORT;
     *returnInterface = nullptr;
     if (iid == gmpi::MP_IID_UI_HOST2 || gmpi::isUnknownIid(iid)) {
         *returnInterface = static_cast<gmpi::IMpUserInterfaceHost2*>(this);
+        addRef();
     } else if (iid == gmpi::MP_IID_UI_HOST) {
         *returnInterface = static_cast<gmpi::IMpUserInterfaceHost*>(this);
-    } else if (gmpi::IMpUnknown* face = instance_.offered(iid)) {
+        addRef();
+    } else if (gmpi::IMpUnknown* face = extra_.find(iid)) {
         *returnInterface = face;
         face->addRef();
-        return gmpi::MP_OK;
     } else {
         return gmpi::MP_NOSUPPORT;
     }
-    addRef();
-    return gmpi::MP_OK;
-}
-
-int32_t GuiHost::pinTransmit(int32_t pinId, int32_t size, const void* data, int32_t /*voice*/) {
-    try {
-        return instance_.session.transmit(instance_, Side::Gui, pinId, size, data);
-    } catch (const std::exception& e) {
-        // Nothing may unwind through a module's frames.
-        instance_.session.fail(instance_.session.current(), std::string("host error during pinTransmit: ") + e.what());
-        return gmpi::MP_FAIL;
-    }
-}
-
-int32_t GuiHost::getHandle(int32_t& returnHandle) {
-    returnHandle = instance_.handle;
-    return gmpi::MP_OK;
-}
-
-int32_t GuiHost::getPinCount(int32_t& returnCount) {
-    const SideInfo* gui = instance_.module().side(Side::Gui);
-    returnCount = gui ? static_cast<int32_t>(gui->pins.size()) : 0;
+    handedOut(iid);
     return gmpi::MP_OK;
 }
 
 int32_t GuiHost::sendMessageToAudio(int32_t id, int32_t size, const void* data) {
     if (size < 0 || (size > 0 && !data))
         return gmpi::MP_FAIL;
-    try {
-        return instance_.session.messageToAudio(instance_, id, size, data);
-    } catch (const std::exception& e) {
-        instance_.session.fail(instance_.session.current(),
-                               std::string("host error during sendMessageToAudio: ") + e.what());
-        return gmpi::MP_FAIL;
-    }
+    return messageToAudio(id, size, data);
 }
 
 int32_t GuiHost::resolveResource(const char* resourceName, const char* resourceType, gmpi::IMpUnknown* returnFullPath) {
@@ -134,8 +114,7 @@ int32_t GuiHost::resolveResource(const char* resourceName, const char* resourceT
     auto* text = static_cast<gmpi::IString*>(face);
     bool found = false;
     const std::string path =
-        findResource(instance_.session.resourceFolders(), resourceName, resourceType ? resourceType : "", found)
-            .string();
+        findResource(resourceFolders(), resourceName, resourceType ? resourceType : "", found).string();
     text->setData(path.data(), static_cast<int32_t>(path.size()));
     text->release();
     return found ? gmpi::MP_OK : gmpi::MP_FAIL;
@@ -163,7 +142,7 @@ int32_t GuiHost::openResource(const char* fullPath, gmpi::IMpUnknown** returnStr
 int32_t GuiHost::resolveFilename(const wchar_t* shortFilename, int32_t maxChars, wchar_t* returnFullFilename) {
     if (maxChars < 1 || !returnFullFilename)
         return gmpi::MP_FAIL;
-    const auto folders = instance_.session.resourceFolders();
+    const auto folders = resourceFolders();
     const std::string name = shortFilename ? narrow(shortFilename) : std::string();
     std::wstring full;
     if (name.empty()) {

@@ -1,8 +1,7 @@
-// The GUI thread's run loop during validation. On Linux the bundle's timers are timeout sources on the
-// thread-default GLib main context; one hand-driven iteration (prepare, query, check, dispatch) runs
-// what is due and tells how long until the next timeout, -1 when the context holds none: after a
-// module's release that must be -1. CoreFoundation cannot say so, so on macOS the check is skipped and
-// only due timers run.
+// The GUI thread's run loop. On Linux the bundle's timers are timeout sources on the thread-default
+// GLib main context; one hand-driven iteration (prepare, query, check, dispatch) runs what is due and
+// tells how long until the next timeout, -1 when the context holds none. CoreFoundation cannot say so,
+// so on macOS only due timers run and canCount() is false.
 #if defined(__APPLE__)
 #include <CoreFoundation/CoreFoundation.h>
 #else
@@ -13,11 +12,13 @@
 #include <chrono>
 #include <vector>
 
-#include "validate/Validate.h"
+#include "gui/RunLoop.h"
 
-namespace kxhost::validate::runloop {
+namespace kxhost::runloop {
 
 #if defined(__APPLE__)
+
+void wait(int ms) { CFRunLoopRunInMode(kCFRunLoopDefaultMode, ms / 1000.0, false); }
 
 int dispatchDue() {
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
@@ -29,6 +30,25 @@ void runFor(int maxMs) { CFRunLoopRunInMode(kCFRunLoopDefaultMode, std::max(maxM
 bool canCount() { return false; }
 
 #else
+
+void wait(int ms) {
+    GMainContext* context = g_main_context_ref_thread_default();
+    GMainLoop* loop = g_main_loop_new(context, FALSE);
+    GSource* deadline = g_timeout_source_new(static_cast<guint>(ms));
+    g_source_set_callback(
+        deadline,
+        [](gpointer data) -> gboolean {
+            g_main_loop_quit(static_cast<GMainLoop*>(data));
+            return G_SOURCE_REMOVE;
+        },
+        loop, nullptr);
+    g_source_attach(deadline, context);
+    g_main_loop_run(loop);
+    g_source_destroy(deadline);
+    g_source_unref(deadline);
+    g_main_loop_unref(loop);
+    g_main_context_unref(context);
+}
 
 int dispatchDue() {
     GMainContext* context = g_main_context_ref_thread_default();
@@ -69,4 +89,4 @@ bool canCount() { return true; }
 
 #endif
 
-}  // namespace kxhost::validate::runloop
+}  // namespace kxhost::runloop

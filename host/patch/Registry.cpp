@@ -1,5 +1,7 @@
 #include "patch/Registry.h"
 
+#include <map>
+
 namespace kxhost {
 
 namespace {
@@ -11,10 +13,6 @@ std::map<std::string, DirectiveHandler>& directives() {
 std::map<std::string, StepKind>& steps() {
     static std::map<std::string, StepKind> table;
     return table;
-}
-std::vector<ExtensionMaker>& extensions() {
-    static std::vector<ExtensionMaker> list;
-    return list;
 }
 }  // namespace
 
@@ -35,12 +33,5 @@ const StepKind* Steps::find(const std::string& keyword) {
     auto it = steps().find(keyword);
     return it == steps().end() ? nullptr : &it->second;
 }
-
-bool Extensions::add(ExtensionMaker maker) {
-    extensions().push_back(std::move(maker));
-    return true;
-}
-
-const std::vector<ExtensionMaker>& Extensions::all() { return extensions(); }
 
 }  // namespace kxhost

@@ -407,30 +407,34 @@ int32_t DeviceContext::CreateGradientStopCollection(const MP1_GRADIENT_STOP* sto
     return gmpi::MP_OK;
 }
 
-int32_t DeviceContext::CreateLinearGradientBrush(const MP1_LINEAR_GRADIENT_BRUSH_PROPERTIES* props,
-                                                 const MP1_BRUSH_PROPERTIES* brushProps,
-                                                 IMpGradientStopCollection* collection, IMpLinearGradientBrush** out) {
+namespace {
+
+// A gradient brush of the host's own stops; the shape comes from the module.
+template <class GradientBrush, class Shape, class Face>
+int32_t createGradient(IMpFactory* factory, const Shape* shape, const MP1_BRUSH_PROPERTIES* brushProps,
+                       IMpGradientStopCollection* collection, Face** out) {
     if (!out)
         return gmpi::MP_FAIL;
     *out = nullptr;
     Stops* stops = impl<Stops>(collection);
-    if (!props || !stops)
+    if (!shape || !stops)
         return gmpi::MP_FAIL;
-    *out = new LinearBrush(factory_, *props, brushProps, *stops);
+    *out = new GradientBrush(factory, *shape, brushProps, *stops);
     return gmpi::MP_OK;
+}
+
+}  // namespace
+
+int32_t DeviceContext::CreateLinearGradientBrush(const MP1_LINEAR_GRADIENT_BRUSH_PROPERTIES* props,
+                                                 const MP1_BRUSH_PROPERTIES* brushProps,
+                                                 IMpGradientStopCollection* collection, IMpLinearGradientBrush** out) {
+    return createGradient<LinearBrush>(factory_, props, brushProps, collection, out);
 }
 
 int32_t DeviceContext::CreateRadialGradientBrush(const MP1_RADIAL_GRADIENT_BRUSH_PROPERTIES* props,
                                                  const MP1_BRUSH_PROPERTIES* brushProps,
                                                  IMpGradientStopCollection* collection, IMpRadialGradientBrush** out) {
-    if (!out)
-        return gmpi::MP_FAIL;
-    *out = nullptr;
-    Stops* stops = impl<Stops>(collection);
-    if (!props || !stops)
-        return gmpi::MP_FAIL;
-    *out = new RadialBrush(factory_, *props, brushProps, *stops);
-    return gmpi::MP_OK;
+    return createGradient<RadialBrush>(factory_, props, brushProps, collection, out);
 }
 
 int32_t DeviceContext::CreateCompatibleRenderTarget(const MP1_SIZE* desiredSize, IMpBitmapRenderTarget** out) {

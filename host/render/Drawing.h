@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "gmpi/IMpDeviceContext.h"
+#include "render/RefCounted.h"
 
 namespace kxhost::draw {
 
@@ -27,42 +28,18 @@ public:
     virtual ~Impl() = default;
 };
 
-// Counting and identity for one interface chain I; also answers the identifiers in extra.
+// A drawing object with the interface chain I (and the identifiers in iids); it also answers its Impl face.
 template <class I>
-class Object : public I, public Impl {
+class Object : public RefCounted<I>, public Impl {
 public:
-    explicit Object(std::vector<gmpi::MpGuid> extra = {}) : iids_(std::move(extra)) {}
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        if (!out)
-            return gmpi::MP_NOSUPPORT;
-        *out = nullptr;
-        if (iid == IID_HOST_DRAWING_IMPL) {
-            *out = static_cast<Impl*>(this);
-        } else if (gmpi::isUnknownIid(iid) || answers(iid)) {
-            *out = static_cast<I*>(this);
-        } else {
-            return gmpi::MP_NOSUPPORT;
-        }
-        addRef();
-        return gmpi::MP_OK;
-    }
-    int32_t addRef() override { return ++count_; }
-    int32_t release() override {
-        const int32_t c = --count_;
-        if (c == 0)
-            delete this;
-        return c;
-    }
+    explicit Object(std::vector<gmpi::MpGuid> iids = {}) : RefCounted<I>(std::move(iids)) {}
 
-private:
-    bool answers(const gmpi::MpGuid& iid) const {
-        for (const auto& g : iids_)
-            if (g == iid)
-                return true;
-        return false;
+protected:
+    void* face(const gmpi::MpGuid& iid) override {
+        if (iid == IID_HOST_DRAWING_IMPL)
+            return static_cast<Impl*>(this);
+        return RefCounted<I>::face(iid);
     }
-    std::vector<gmpi::MpGuid> iids_;
-    int32_t count_ = 1;
 };
 
 // The host's implementation behind an interface pointer, or null for a foreign (or null) object.

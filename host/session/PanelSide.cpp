@@ -16,6 +16,7 @@
 
 #include "gui/Graphics.h"
 #include "patch/Registry.h"
+#include "render/Png.h"
 #include "session/Session.h"
 
 namespace kxhost {
@@ -133,6 +134,14 @@ void placeDirective(Parser& p, const Line& line) {
     decl.placements.push_back(place);
 }
 
+// An instance named by the token at index, or empty when the line is shorter.
+std::string optionalInstance(Parser& p, const Line& line, size_t index) {
+    const std::string instance = line.tokens.size() > index ? line.tokens[index].raw : "";
+    if (!instance.empty() && !p.patch.instance(instance))
+        p.fail(line, "no instance named '" + instance + "'");
+    return instance;
+}
+
 int32_t defaultFlags() { return gmpi_gui_api::GG_POINTER_FLAG_FIRSTBUTTON; }
 
 void tracePointer(Session& s, const char* what, float x, float y, const std::string& taker) {
@@ -189,9 +198,7 @@ Action compileSnapshot(Parser& p, const Line& line) {
     const std::string name = text(line.tokens[1]);
     if (name.empty() || name.find('/') != std::string::npos || name.find('\\') != std::string::npos)
         p.fail(line, "a snapshot name is a plain file name without folders");
-    const std::string instance = line.tokens.size() > 2 ? line.tokens[2].raw : "";
-    if (!instance.empty() && !p.patch.instance(instance))
-        p.fail(line, "no instance named '" + instance + "'");
+    const std::string instance = optionalInstance(p, line, 2);
     const Location where = line.where;
     return [=](Session& s) {
         cairo_surface_t* image = panelOf(s).render(instance);
@@ -199,7 +206,7 @@ Action compileSnapshot(Parser& p, const Line& line) {
             s.fail(where, "snapshot: " + instance + " is not placed on the panel");
             return;
         }
-        const std::filesystem::path& folder = snapshotFolder();
+        const std::filesystem::path& folder = s.outputDir();
         if (folder.empty()) {
             s.trace("snapshot " + name + " rendered (not written: no --out folder)");
         } else {
@@ -220,9 +227,7 @@ Action compileExpectImage(Parser& p, const Line& line) {
     std::filesystem::path reference = text(line.tokens[1]);
     if (reference.is_relative())
         reference = p.patch.file.parent_path() / reference;
-    const std::string instance = line.tokens.size() > 2 ? line.tokens[2].raw : "";
-    if (!instance.empty() && !p.patch.instance(instance))
-        p.fail(line, "no instance named '" + instance + "'");
+    const std::string instance = optionalInstance(p, line, 2);
     const Location where = line.where;
     return [=](Session& s) {
         cairo_surface_t* image = panelOf(s).render(instance);
@@ -234,8 +239,8 @@ Action compileExpectImage(Parser& p, const Line& line) {
             std::string why = differing < 0
                                   ? "cannot be compared (missing, unreadable or another size)"
                                   : std::to_string(differing) + " of " + std::to_string(total) + " pixels differ";
-            if (image && !snapshotFolder().empty()) {
-                const auto actual = snapshotFolder() / (reference.stem().string() + ".actual.png");
+            if (image && !s.outputDir().empty()) {
+                const auto actual = s.outputDir() / (reference.stem().string() + ".actual.png");
                 cairo_surface_write_to_png(image, actual.string().c_str());
                 why += "; the rendering is in " + actual.string();
             }

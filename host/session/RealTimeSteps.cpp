@@ -1,18 +1,12 @@
-// Real time in a scenario. The bundle's GUI timers live on the GUI thread's run loop (the thread-default
-// GLib main context on Linux, the current CoreFoundation run loop on macOS); kxhost's GUI thread is the
-// main thread, and the loop runs only while a scenario waits:
+// Real time in a scenario. The bundle's GUI timers live on the GUI thread's run loop, which kxhost runs
+// only while a scenario waits:
 //
 //   wait MS                          runs the run loop for MS milliseconds; timers fire, their
 //                                    transmissions are routed and traced as usual
 //   expect_sent instance.Pin MIN MAX the pin was sent between MIN and MAX times (inclusive) since the
 //                                    last step that was not an observation, for real-time counts that
 //                                    need a margin
-#if defined(__APPLE__)
-#include <CoreFoundation/CoreFoundation.h>
-#else
-#include <glib.h>
-#endif
-
+#include "gui/RunLoop.h"
 #include "patch/Registry.h"
 #include "session/Session.h"
 
@@ -20,36 +14,13 @@ namespace kxhost {
 
 namespace {
 
-void runLoopFor(int ms) {
-#if defined(__APPLE__)
-    CFRunLoopRunInMode(kCFRunLoopDefaultMode, ms / 1000.0, false);
-#else
-    GMainContext* context = g_main_context_ref_thread_default();
-    GMainLoop* loop = g_main_loop_new(context, FALSE);
-    GSource* deadline = g_timeout_source_new(static_cast<guint>(ms));
-    g_source_set_callback(
-        deadline,
-        [](gpointer data) -> gboolean {
-            g_main_loop_quit(static_cast<GMainLoop*>(data));
-            return G_SOURCE_REMOVE;
-        },
-        loop, nullptr);
-    g_source_attach(deadline, context);
-    g_main_loop_run(loop);
-    g_source_destroy(deadline);
-    g_source_unref(deadline);
-    g_main_loop_unref(loop);
-    g_main_context_unref(context);
-#endif
-}
-
 // wait MS
 Action compileWait(Parser& p, const Line& line) {
     p.arity(line, 2, 2, "wait MS");
     const int ms = p.integer(line, line.tokens[1]);
     if (ms < 0)
         p.fail(line, "wait takes milliseconds, 0 or more");
-    return [ms](Session&) { runLoopFor(ms); };
+    return [ms](Session&) { runloop::wait(ms); };
 }
 
 // expect_sent instance.Pin MIN MAX

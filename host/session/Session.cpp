@@ -1,29 +1,74 @@
 #include "session/Session.h"
 
 #include <ostream>
+#include <stdexcept>
+#include <string>
 #include <utility>
-
-#include "gui/GuiHost.h"
 
 namespace kxhost {
 
 // ---- Instance
 
+namespace {
+
+// The GUI host of one instance: what the half transmits and sends to its DSP half goes to the session.
+// The session owns the host objects and outlives the modules: no counting.
+class InstanceHost final : public GuiHost {
+public:
+    InstanceHost(Instance& instance, const FaceTable& offered) : GuiHost(offered), instance_(instance) {}
+
+    int32_t addRef() override { return 1; }
+    int32_t release() override { return 1; }
+
+    int32_t pinTransmit(int32_t pinId, int32_t size, const void* data, int32_t /*voice*/) override {
+        try {
+            return instance_.session.transmit(instance_, Side::Gui, pinId, size, data);
+        } catch (const std::exception& e) {
+            // Nothing may unwind through a module's frames.
+            instance_.session.fail(instance_.session.current(),
+                                   std::string("host error during pinTransmit: ") + e.what());
+            return gmpi::MP_FAIL;
+        }
+    }
+
+    int32_t getHandle(int32_t& returnHandle) override {
+        returnHandle = instance_.handle;
+        return gmpi::MP_OK;
+    }
+
+    int32_t getPinCount(int32_t& returnCount) override {
+        const SideInfo* gui = instance_.module().side(Side::Gui);
+        returnCount = gui ? static_cast<int32_t>(gui->pins.size()) : 0;
+        return gmpi::MP_OK;
+    }
+
+protected:
+    int32_t messageToAudio(int32_t id, int32_t size, const void* data) override {
+        try {
+            return instance_.session.messageToAudio(instance_, id, size, data);
+        } catch (const std::exception& e) {
+            instance_.session.fail(instance_.session.current(),
+                                   std::string("host error during sendMessageToAudio: ") + e.what());
+            return gmpi::MP_FAIL;
+        }
+    }
+
+    std::vector<std::filesystem::path> resourceFolders() const override { return instance_.session.resourceFolders(); }
+
+private:
+    Instance& instance_;
+};
+
+}  // namespace
+
 Instance::Instance(Session& s, const InstanceDecl& d, int32_t h)
-    : session(s), decl(d), handle(h), guiHost_(std::make_unique<GuiHost>(*this)) {}
+    : session(s), decl(d), handle(h), guiHost_(std::make_unique<InstanceHost>(*this, offered_)) {}
 
 Instance::~Instance() {
     if (gui)
         gui->release();
     if (dsp)
         dsp->release();
-}
-
-gmpi::IMpUnknown* Instance::offered(const gmpi::MpGuid& iid) const {
-    for (const auto& [id, face] : offered_)
-        if (id == iid)
-            return face;
-    return nullptr;
 }
 
 // ---- Session

@@ -9,13 +9,12 @@
 #include <vector>
 
 #include "gmpi/IMpUserInterface2.h"
+#include "gui/GuiHost.h"
 #include "patch/Patch.h"
-#include "patch/Registry.h"
 #include "session/Bundle.h"
+#include "session/Extension.h"
 
 namespace kxhost {
-
-class GuiHost;
 
 // One named instance at run time.
 class Instance {
@@ -35,13 +34,12 @@ public:
 
     // Extra interfaces the GUI half's host object answers in queryInterface, beyond the GUI host faces.
     // The face must outlive the instance's modules (extensions keep them in their own state).
-    void offer(const gmpi::MpGuid& iid, gmpi::IMpUnknown* face) { offered_.push_back({iid, face}); }
-    gmpi::IMpUnknown* offered(const gmpi::MpGuid& iid) const;
+    void offer(const gmpi::MpGuid& iid, gmpi::IMpUnknown* face) { offered_.offer(iid, face); }
 
     GuiHost& guiHost() { return *guiHost_; }
 
 private:
-    std::vector<std::pair<gmpi::MpGuid, gmpi::IMpUnknown*>> offered_;
+    FaceTable offered_;
     std::unique_ptr<GuiHost> guiHost_;
 };
 
@@ -92,7 +90,8 @@ public:
     const std::vector<std::unique_ptr<Instance>>& instances() const { return instances_; }
     // Resource folders in search order: the patch's, or else the patch file's own folder.
     std::vector<std::filesystem::path> resourceFolders() const;
-    // Where files a run writes (snapshots) go: kxhost's --output, else the current folder.
+    // Where files a run writes (snapshots) go: kxhost's --out folder; empty without one, and then
+    // snapshots are rendered but not written.
     const std::filesystem::path& outputDir() const { return outputDir_; }
     void setOutputDir(std::filesystem::path dir) { outputDir_ = std::move(dir); }
     // Where the step or start-up phase being run comes from.
@@ -130,7 +129,7 @@ private:
     };
     std::vector<Pending> pending_;  // values sent to GUI halves not yet initialised
     Location current_;
-    std::filesystem::path outputDir_ = ".";
+    std::filesystem::path outputDir_;
     int depth_ = 0;
     bool cutting_ = false;  // a loop was cut: drop every transmission until the cascade unwinds
     bool closing_ = false;  // modules are being released: nothing they transmit is routed any more

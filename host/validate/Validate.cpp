@@ -9,6 +9,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "gui/RunLoop.h"
 #include "patch/Error.h"
 
 #if defined(__has_feature)

@@ -147,15 +147,4 @@ void step(const std::string& what);
 void clear();
 }  // namespace trail
 
-// The GUI thread's run loop, as the bundle's timers see it.
-namespace runloop {
-// Runs whatever is due without blocking; returns the milliseconds until the next timeout source is
-// due, or -1 when the loop holds none.
-int dispatchDue();
-// Runs the loop until nothing is due sooner than maxMs, for at most maxMs.
-void runFor(int maxMs);
-// Whether the platform's loop can say it holds no timeout (the check after release).
-bool canCount();
-}  // namespace runloop
-
 }  // namespace kxhost::validate

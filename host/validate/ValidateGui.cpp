@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "gmpi/IMpUserInterface2.h"
+#include "gui/RunLoop.h"
 #include "validate/Validate.h"
 
 namespace kxhost::validate {

@@ -16,9 +16,8 @@
 #include <vector>
 
 #include "gmpi/IMpContextItemSink.h"
-#include "gmpi/IMpUserInterfaceHost.h"
-#include "gmpi/IMpUserInterfaceHost2.h"
 #include "gmpi/IString.h"
+#include "gui/GuiHost.h"
 #include "gui/HostObject.h"
 
 namespace kxhost::validate {
@@ -39,17 +38,6 @@ public:
 private:
     int outstanding_ = 0;
     std::vector<gmpi::MpGuid> faces_;
-};
-
-// Faces beyond a side's own host interfaces, offered by aspects (a graphics host, a drawing factory).
-// Not owned.
-class FaceTable {
-public:
-    void offer(const gmpi::MpGuid& iid, gmpi::IMpUnknown* face) { faces_.emplace_back(iid, face); }
-    gmpi::IMpUnknown* find(const gmpi::MpGuid& iid) const;
-
-private:
-    std::vector<std::pair<gmpi::MpGuid, gmpi::IMpUnknown*>> faces_;
 };
 
 // A text the module fills (tool tips, resource paths).
@@ -75,35 +63,40 @@ private:
     std::vector<int32_t> ids_;
 };
 
-// The GUI host a half under validation talks to: both generations, resources from one folder, and
-// the faces aspects offered. Transmissions go to onTransmit (the validator checks and echoes them).
-class ValidationGuiHost final : public gmpi::IMpUserInterfaceHost2, public gmpi::IMpUserInterfaceHost {
+// The GUI host a half under validation talks to: resources from one folder, the faces aspects offered,
+// and every reference the half takes counted in refs. Transmissions go to onTransmit (the validator
+// checks and echoes them).
+class ValidationGuiHost final : public GuiHost {
 public:
-    ValidationGuiHost(HostRefs& refs, const FaceTable& extra, std::filesystem::path folder, int32_t pinCount);
-
-    gmpi::IMpUnknown* unknown() { return static_cast<gmpi::IMpUserInterfaceHost2*>(this); }
+    ValidationGuiHost(HostRefs& refs, const FaceTable& extra, std::filesystem::path folder, int32_t pinCount)
+        : GuiHost(extra), refs_(refs), folder_(std::move(folder)), pinCount_(pinCount) {}
 
     std::function<int32_t(int32_t pin, int32_t size, const void* data, int32_t voice)> onTransmit;
     std::function<int32_t(int32_t id, int32_t size, const void* data)> onMessageToAudio;
 
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** returnInterface) override;
     int32_t addRef() override { return refs_.addRef(); }
     int32_t release() override { return refs_.release(); }
+    int32_t pinTransmit(int32_t pinId, int32_t size, const void* data, int32_t voice) override {
+        return onTransmit ? onTransmit(pinId, size, data, voice) : gmpi::MP_FAIL;
+    }
+    int32_t getHandle(int32_t& returnHandle) override {
+        returnHandle = 1;
+        return gmpi::MP_OK;
+    }
+    int32_t getPinCount(int32_t& returnCount) override {
+        returnCount = pinCount_;
+        return gmpi::MP_OK;
+    }
 
-    int32_t pinTransmit(int32_t pinId, int32_t size, const void* data, int32_t voice) override;
-    int32_t getHandle(int32_t& returnHandle) override;
-    int32_t getPinCount(int32_t& returnCount) override;
-    int32_t sendMessageToAudio(int32_t id, int32_t size, const void* data) override;
-    int32_t resolveResource(const char* resourceName, const char* resourceType,
-                            gmpi::IMpUnknown* returnFullPath) override;
-    int32_t openResource(const char* fullPath, gmpi::IMpUnknown** returnStream) override;
-    int32_t reserved1() override { return gmpi::MP_NOSUPPORT; }
-    int32_t reserved2() override { return gmpi::MP_NOSUPPORT; }
-    int32_t resolveFilename(const wchar_t* shortFilename, int32_t maxChars, wchar_t* returnFullFilename) override;
+protected:
+    int32_t messageToAudio(int32_t id, int32_t size, const void* data) override {
+        return onMessageToAudio ? onMessageToAudio(id, size, data) : gmpi::MP_FAIL;
+    }
+    std::vector<std::filesystem::path> resourceFolders() const override { return {folder_}; }
+    void handedOut(const gmpi::MpGuid& iid) override { refs_.queried(iid); }
 
 private:
     HostRefs& refs_;
-    const FaceTable& extra_;
     std::filesystem::path folder_;
     int32_t pinCount_;
 };
