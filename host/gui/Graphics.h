@@ -1,6 +1,6 @@
 // The host's panel: graphic instances laid out on it, each with a graphics host of its own
 // (invalidation, pointer capture, file dialog and text editor), pointer events routed by hit testing,
-// and rendering into PNG snapshots. File dialogs and text editors answer from a script.
+// and rendering into images (which the session writes as PNG). File dialogs and text editors answer from a script.
 #pragma once
 
 #include <cairo.h>
