@@ -5,7 +5,8 @@
 //     for once, for its life (the host outlives it, so keeping without releasing is allowed); more
 //     references than faces asked for is a leak per call, fewer than none an over-release.
 //   - Counted: objects the host hands over for a call or with ownership (return strings, menu sinks,
-//     resource streams, and later bitmaps, brushes, text formats): every one must be gone.
+//     resource streams, dialogs): every one must be gone. Drawing objects are not among them, since
+//     modules may keep those in caches that outlive any one module.
 #pragma once
 
 #include <cstdint>
