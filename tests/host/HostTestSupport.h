@@ -6,9 +6,9 @@
 #include <sstream>
 #include <string>
 
-#include "Bundle.h"
-#include "Catalogue.h"
-#include "Session.h"
+#include "patch/Catalogue.h"
+#include "session/Bundle.h"
+#include "session/Session.h"
 
 namespace kxhost {
 // Test failures show values as a patch writes them.

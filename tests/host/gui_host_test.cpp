@@ -2,10 +2,10 @@
 
 #include <fstream>
 
-#include "GuiHost.h"
 #include "HostTestSupport.h"
-#include "Text.h"
 #include "gmpi/IString.h"
+#include "gui/GuiHost.h"
+#include "patch/Text.h"
 
 using namespace kxhost;
 using kxhosttest::PatchRun;

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "HostTestSupport.h"
-#include "Parser.h"
-#include "Registry.h"
+#include "patch/Parser.h"
+#include "patch/Registry.h"
 
 using namespace kxhost;
 using kxhosttest::testCatalogue;

@@ -5,10 +5,10 @@
 #include <cstring>
 #include <fstream>
 
-#include "Drawing.h"
-#include "Graphics.h"
 #include "gmpi/IMpCompletionHandler.h"
 #include "gmpi/IString.h"
+#include "gui/Graphics.h"
+#include "render/Drawing.h"
 
 using namespace GmpiDrawing_API;
 using kxhost::draw::DeviceContext;

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "AudioEngine.h"
 #include "MpFactory.h"
+#include "audio/AudioEngine.h"
 
 using kxhost::AudioEngine;
 using kxhost::DspPinKind;

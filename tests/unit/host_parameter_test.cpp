@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "HostParameter.h"
+#include "audio/HostParameter.h"
 
 using kxhost::HostParameter;
 using kxhost::ParamRole;

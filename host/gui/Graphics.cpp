@@ -1,0 +1,397 @@
+#include "gui/Graphics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+#include "gmpi/IMpCompletionHandler.h"
+#include "gmpi/IString.h"
+#include "gui/HostObject.h"
+
+namespace kxhost {
+
+using GmpiDrawing_API::MP1_POINT;
+using GmpiDrawing_API::MP1_RECT;
+using GmpiDrawing_API::MP1_SIZE;
+
+namespace {
+
+bool writeString(gmpi::IMpUnknown* target, const std::string& text) {
+    void* s = nullptr;
+    if (!target || target->queryInterface(gmpi::MP_IID_RETURNSTRING, &s) != gmpi::MP_OK || !s)
+        return false;
+    auto* str = static_cast<gmpi::IString*>(s);
+    str->setData(text.data(), static_cast<int32_t>(text.size()));
+    str->release();
+    return true;
+}
+
+gmpi_gui::IMpCompletionHandler* completionHandler(gmpi::IMpUnknown* object) {
+    void* h = nullptr;
+    if (!object || object->queryInterface(gmpi_gui::SE_IID_COMPLETION_HANDLER, &h) != gmpi::MP_OK)
+        return nullptr;
+    return static_cast<gmpi_gui::IMpCompletionHandler*>(h);  // one reference, ours
+}
+
+// What a shown request needs: the object it belongs to (kept alive) and the module's handler.
+template <class Object>
+class Request final : public PendingRequest {
+public:
+    Request(Object* object, gmpi_gui::IMpCompletionHandler* handler) : object_(object), handler_(handler) {
+        object_->addRef();
+    }
+    ~Request() override {
+        handler_->release();
+        object_->release();
+    }
+    void complete(const ScriptedAnswer& answer) override {
+        object_->answered(answer);
+        handler_->OnComplete(answer ? gmpi::MP_OK : gmpi::MP_FAIL);
+    }
+    std::string describe() const override { return object_->describe(); }
+
+private:
+    Object* object_;
+    gmpi_gui::IMpCompletionHandler* handler_;
+};
+
+class FileDialog final : public CountedObject<gmpi_gui::IMpPlatformFileDialog> {
+public:
+    FileDialog(Panel& panel, int32_t type)
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG), panel_(panel), type_(type) {}
+    int32_t AddExtension(const char* extension, const char*) override {
+        extensions_.push_back(extension ? extension : "");
+        return gmpi::MP_OK;
+    }
+    int32_t SetInitialFilename(const char* text) override {
+        initialName_ = text ? text : "";
+        return gmpi::MP_OK;
+    }
+    int32_t setInitialDirectory(const char* text) override {
+        initialFolder_ = text ? text : "";
+        return gmpi::MP_OK;
+    }
+    int32_t ShowAsync(gmpi::IMpUnknown* handler) override {
+        auto* h = completionHandler(handler);
+        if (!h)
+            return gmpi::MP_FAIL;
+        panel_.shown(true, std::make_shared<Request<FileDialog>>(this, h));
+        return gmpi::MP_OK;
+    }
+    int32_t GetSelectedFilename(gmpi::IMpUnknown* returnString) override {
+        return writeString(returnString, selected_) ? gmpi::MP_OK : gmpi::MP_FAIL;
+    }
+
+    void answered(const ScriptedAnswer& a) { selected_ = a.value_or(""); }
+    std::string describe() const {
+        std::string exts;
+        for (const auto& e : extensions_)
+            exts += (exts.empty() ? "" : ",") + e;
+        return std::string(type_ == gmpi_gui::MP_PLATFORM_FILE_SAVE ? "save" : "open") + " dialog [" + exts +
+               "] initial '" + initialName_ + "' in '" + initialFolder_ + "'";
+    }
+
+private:
+    Panel& panel_;
+    int32_t type_;
+    std::vector<std::string> extensions_;
+    std::string initialName_, initialFolder_, selected_;
+};
+
+class TextEdit final : public CountedObject<gmpi_gui::IMpPlatformText> {
+public:
+    TextEdit(Panel& panel, MP1_RECT rect)
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT), panel_(panel), rect_(rect) {}
+    int32_t SetText(const char* text) override {
+        text_ = text ? text : "";
+        return gmpi::MP_OK;
+    }
+    int32_t GetText(gmpi::IMpUnknown* returnString) override {
+        return writeString(returnString, text_) ? gmpi::MP_OK : gmpi::MP_FAIL;
+    }
+    int32_t ShowAsync(gmpi::IMpUnknown* handler) override {
+        auto* h = completionHandler(handler);
+        if (!h)
+            return gmpi::MP_FAIL;
+        panel_.shown(false, std::make_shared<Request<TextEdit>>(this, h));
+        return gmpi::MP_OK;
+    }
+    int32_t SetAlignment(int32_t alignment) override {
+        alignment_ = alignment;
+        return gmpi::MP_OK;
+    }
+    int32_t SetTextSize(float height) override {
+        size_ = height;
+        return gmpi::MP_OK;
+    }
+
+    // A cancelled edit leaves the text as it was set.
+    void answered(const ScriptedAnswer& a) {
+        if (a)
+            text_ = *a;
+    }
+    std::string describe() const {
+        std::ostringstream s;
+        s << "text editor '" << text_ << "' at (" << rect_.left << "," << rect_.top << "," << rect_.right << ","
+          << rect_.bottom << ") size " << size_ << " alignment 0x" << std::hex << alignment_;
+        return s.str();
+    }
+
+private:
+    Panel& panel_;
+    MP1_RECT rect_;
+    std::string text_;
+    int32_t alignment_ = 0;
+    float size_ = 0;
+};
+
+}  // namespace
+
+// ---- GraphicsHost
+
+int32_t GraphicsHost::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
+    if (!returnInterface)
+        return gmpi::MP_NOSUPPORT;
+    *returnInterface = nullptr;
+    if (!gmpi::isUnknownIid(iid) && !gmpi_gui::isGraphicsHostIid(iid))
+        return gmpi::MP_NOSUPPORT;
+    *returnInterface = static_cast<gmpi_gui::IMpGraphicsHost*>(this);
+    return gmpi::MP_OK;
+}
+
+int32_t GraphicsHost::getDrawingScale(float& returnScale) {
+    returnScale = 1.0f;
+    return gmpi::MP_OK;
+}
+
+int32_t GraphicsHost::getLayoutRect(MP1_RECT& returnRect) {
+    if (!rect)
+        return gmpi::MP_FAIL;
+    returnRect = *rect;
+    return gmpi::MP_OK;
+}
+
+void GraphicsHost::invalidateRect(const MP1_RECT*) { ++invalidations; }
+
+void GraphicsHost::invalidateMeasure() { panel_.requestLayout(); }
+
+int32_t GraphicsHost::setCapture() {
+    panel_.capture = this;
+    return gmpi::MP_OK;
+}
+
+int32_t GraphicsHost::getCapture(int32_t& returnValue) {
+    returnValue = panel_.capture == this ? 1 : 0;
+    return gmpi::MP_OK;
+}
+
+int32_t GraphicsHost::releaseCapture() {
+    if (panel_.capture == this)
+        panel_.capture = nullptr;
+    return gmpi::MP_OK;
+}
+
+int32_t GraphicsHost::createFileDialog(int32_t dialogType, gmpi::IMpUnknown** returnFileDialog) {
+    if (!returnFileDialog)
+        return gmpi::MP_FAIL;
+    *returnFileDialog = new FileDialog(panel_, dialogType);
+    return gmpi::MP_OK;
+}
+
+int32_t GraphicsHost::createPlatformTextEdit(const MP1_RECT* r, gmpi::IMpUnknown** returnTextEdit) {
+    if (!returnTextEdit)
+        return gmpi::MP_FAIL;
+    *returnTextEdit = new TextEdit(panel_, r ? *r : MP1_RECT{0, 0, 0, 0});
+    return gmpi::MP_OK;
+}
+
+void GraphicsHost::GetDrawingFactory(GmpiDrawing_API::IMpFactory** returnFactory) {
+    if (returnFactory)
+        *returnFactory = &panel_.factory;
+}
+
+// ---- Panel
+
+Panel::Panel(const PanelDecl& decl, std::function<void(const std::string&)> trace)
+    : decl_(decl), trace_(std::move(trace)) {}
+
+Panel::~Panel() { releaseModules(); }
+
+void Panel::releaseModules() {
+    // Requests still open hold module objects; they go without a call back.
+    openFile_.clear();
+    openText_.clear();
+    due_.clear();
+    capture = nullptr;
+    for (auto& h : hosts_) {
+        if (h->graphics)
+            h->graphics->release();
+        h->graphics = nullptr;
+    }
+}
+
+GraphicsHost& Panel::addInstance(const std::string& name) {
+    hosts_.push_back(std::make_unique<GraphicsHost>(*this, name));
+    return *hosts_.back();
+}
+
+GraphicsHost* Panel::host(const std::string& name) {
+    for (auto& h : hosts_)
+        if (h->name() == name)
+            return h.get();
+    return nullptr;
+}
+
+void Panel::layout(bool force) {
+    if (!layoutDirty_ && !force)
+        return;
+    layoutDirty_ = false;
+    for (const auto& place : decl_.placements) {
+        GraphicsHost* h = host(place.instance);
+        if (!h || !h->graphics)
+            continue;
+        MP1_SIZE available{100, 100};
+        if (place.size)
+            available = *place.size;
+        else if (decl_.size)
+            available = {std::max(1.0f, decl_.size->width - place.x), std::max(1.0f, decl_.size->height - place.y)};
+        MP1_SIZE desired = available;
+        h->graphics->measure(available, &desired);
+        if (!std::isfinite(desired.width) || desired.width < 0)
+            desired.width = 0;
+        if (!std::isfinite(desired.height) || desired.height < 0)
+            desired.height = 0;
+        const MP1_RECT r{place.x, place.y, place.x + desired.width, place.y + desired.height};
+        h->rect = r;
+        h->graphics->arrange(r);
+    }
+}
+
+cairo_surface_t* Panel::render(const std::string& instance) {
+    layout();
+    auto paint = [&](cairo_t* cr, GraphicsHost& h, double originX, double originY) {
+        const MP1_RECT& r = *h.rect;
+        cairo_save(cr);
+        cairo_translate(cr, r.left - originX, r.top - originY);
+        cairo_rectangle(cr, 0, 0, r.right - r.left, r.bottom - r.top);
+        cairo_clip(cr);
+        auto* dc = new draw::DeviceContext(&factory, cr);
+        try {
+            h.graphics->OnRender(dc);
+        } catch (...) {
+            trace("OnRender of " + h.name() + " threw");
+        }
+        dc->release();
+        cairo_restore(cr);
+    };
+
+    if (!instance.empty()) {
+        GraphicsHost* h = host(instance);
+        if (!h || !h->graphics || !h->rect)
+            return nullptr;
+        const int w = std::max(1, static_cast<int>(std::ceil(h->rect->right - h->rect->left)));
+        const int hgt = std::max(1, static_cast<int>(std::ceil(h->rect->bottom - h->rect->top)));
+        cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, hgt);
+        cairo_t* cr = cairo_create(s);
+        paint(cr, *h, h->rect->left, h->rect->top);
+        cairo_destroy(cr);
+        return s;
+    }
+
+    MP1_SIZE size{1, 1};
+    if (decl_.size) {
+        size = *decl_.size;
+    } else {
+        for (auto& h : hosts_)
+            if (h->rect && h->graphics)
+                size = {std::max(size.width, h->rect->right), std::max(size.height, h->rect->bottom)};
+    }
+    cairo_surface_t* s =
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, std::max(1, static_cast<int>(std::ceil(size.width))),
+                                   std::max(1, static_cast<int>(std::ceil(size.height))));
+    cairo_t* cr = cairo_create(s);
+    const uint32_t bg = decl_.background;
+    cairo_set_source_rgba(cr, ((bg >> 16) & 0xFF) / 255.0, ((bg >> 8) & 0xFF) / 255.0, (bg & 0xFF) / 255.0,
+                          (bg >> 24) / 255.0);
+    cairo_paint(cr);
+    for (const auto& place : decl_.placements)
+        if (GraphicsHost* h = host(place.instance); h && h->graphics && h->rect)
+            paint(cr, *h, 0, 0);
+    cairo_destroy(cr);
+    return s;
+}
+
+std::string Panel::pointer(Pointer kind, int32_t flags, MP1_POINT point) {
+    layout();
+    auto send = [&](GraphicsHost& h) {
+        const MP1_POINT local{point.x - h.rect->left, point.y - h.rect->top};
+        switch (kind) {
+            case Pointer::Down:
+                return h.graphics->onPointerDown(flags, local);
+            case Pointer::Move:
+                return h.graphics->onPointerMove(flags, local);
+            case Pointer::Up:
+                return h.graphics->onPointerUp(flags, local);
+        }
+        return gmpi::MP_FAIL;
+    };
+    if (capture && capture->graphics && capture->rect) {
+        GraphicsHost& h = *capture;
+        send(h);
+        return h.name();
+    }
+    // Topmost first: the last placement is drawn last, over the others.
+    for (auto it = decl_.placements.rbegin(); it != decl_.placements.rend(); ++it) {
+        GraphicsHost* h = host(it->instance);
+        if (!h || !h->graphics || !h->rect)
+            continue;
+        const MP1_RECT& r = *h->rect;
+        if (!(r.left <= point.x && point.x < r.right && r.top <= point.y && point.y < r.bottom))
+            continue;
+        const MP1_POINT local{point.x - r.left, point.y - r.top};
+        if (h->hasHitTest && static_cast<gmpi_gui_api::IMpGraphics2*>(h->graphics)->hitTest(local) != gmpi::MP_OK)
+            continue;
+        if (send(*h) == gmpi::MP_OK)
+            return h->name();
+    }
+    return {};
+}
+
+void Panel::shown(bool fileDialog, std::shared_ptr<PendingRequest> request) {
+    auto& answers = fileDialog ? fileAnswers_ : textAnswers_;
+    if (!answers.empty()) {
+        trace("shown: " + request->describe());
+        // Completed once the module's own call has returned, as a real dialog would.
+        due_.emplace_back(std::move(request), answers.front());
+        answers.pop_front();
+        return;
+    }
+    trace("shown, waiting for an answer: " + request->describe());
+    (fileDialog ? openFile_ : openText_).push_back(std::move(request));
+}
+
+void Panel::answer(bool fileDialog, const ScriptedAnswer& a) {
+    auto& open = fileDialog ? openFile_ : openText_;
+    if (open.empty()) {
+        (fileDialog ? fileAnswers_ : textAnswers_).push_back(a);
+        return;
+    }
+    auto request = open.front();
+    open.pop_front();
+    due_.emplace_back(std::move(request), a);
+    runCompletions();
+}
+
+void Panel::answerFileDialog(const ScriptedAnswer& a) { answer(true, a); }
+void Panel::answerTextEdit(const ScriptedAnswer& a) { answer(false, a); }
+
+void Panel::runCompletions() {
+    while (!due_.empty()) {
+        auto [request, a] = due_.front();
+        due_.erase(due_.begin());
+        trace(a ? "answered '" + *a + "'" : std::string("cancelled"));
+        request->complete(a);
+    }
+}
+
+}  // namespace kxhost

@@ -1,0 +1,190 @@
+#include "patch/Catalogue.h"
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+#include <nlohmann/json.hpp>
+
+#include "patch/Error.h"
+#include "patch/Text.h"
+
+namespace kxhost {
+
+using nlohmann::json;
+
+const PinInfo* SideInfo::byIndex(int index) const {
+    for (const auto& p : pins)
+        if (p.index == index)
+            return &p;
+    return nullptr;
+}
+
+const PinInfo* SideInfo::byName(const std::string& name) const {
+    for (const auto& p : pins)
+        if (p.name == name)
+            return &p;
+    return nullptr;
+}
+
+std::string pinNameForPatch(const std::string& name) {
+    const bool plain = !name.empty() && !std::isdigit(static_cast<unsigned char>(name[0])) &&
+                       std::all_of(name.begin(), name.end(), [](char c) {
+                           return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '-';
+                       });
+    return plain ? name : kxhost::quoted(name);
+}
+
+namespace {
+
+std::optional<Value> defaultFromJson(Datatype type, const json& j) {
+    switch (type) {
+        case Datatype::Int:
+        case Datatype::Enum:
+            if (j.is_number_integer())
+                return Value::ofInt(j.get<int32_t>(), type);
+            break;
+        case Datatype::Float:
+        case Datatype::Audio:
+            if (j.is_number())
+                return Value::ofFloat(j.get<float>(), type);
+            break;
+        case Datatype::Bool:
+            if (j.is_boolean())
+                return Value::ofBool(j.get<bool>());
+            break;
+        case Datatype::Text:
+            if (j.is_string())
+                return Value::ofText(widen(j.get<std::string>()));
+            break;
+        case Datatype::Blob:
+        case Datatype::Midi:
+            if (j.is_string()) {
+                const std::string hex = j.get<std::string>();
+                if (hex.size() % 2 != 0 || hex.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+                    return std::nullopt;
+                Bytes b;
+                for (size_t i = 0; i < hex.size(); i += 2)
+                    b.push_back(static_cast<uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+                return Value::ofBlob(std::move(b), type);
+            }
+            break;
+    }
+    return std::nullopt;
+}
+
+SideInfo readSide(const json& j, const std::string& where) {
+    if (!j.is_object() || !j.contains("pins") || !j["pins"].is_array())
+        throw HostError(where + ": needs a \"pins\" array");
+    SideInfo side;
+    for (const auto& p : j["pins"]) {
+        const std::string at = where + " pin " + std::to_string(side.pins.size());
+        if (!p.is_object())
+            throw HostError(at + ": is not an object");
+        PinInfo pin;
+        if (!p.contains("index") || !p["index"].is_number_integer() || p["index"].get<int>() < 0)
+            throw HostError(at + ": needs a non-negative integer \"index\"");
+        pin.index = p["index"].get<int>();
+        if (!side.pins.empty() && pin.index <= side.pins.back().index)
+            throw HostError(at + ": index " + std::to_string(pin.index) + " is not above the previous one");
+        if (!p.contains("name") || !p["name"].is_string() || p["name"].get<std::string>().empty())
+            throw HostError(at + ": needs a \"name\"");
+        pin.name = p["name"].get<std::string>();
+        if (side.byName(pin.name))
+            throw HostError(at + ": the name \"" + pin.name + "\" is used twice");
+        const auto type = p.contains("datatype") && p["datatype"].is_string()
+                              ? datatypeFromName(p["datatype"].get<std::string>())
+                              : std::nullopt;
+        if (!type)
+            throw HostError(at + " (" + pin.name +
+                            "): \"datatype\" must be one of text, bool, float, int, blob, enum, audio, midi");
+        pin.type = *type;
+        const std::string direction = p.value("direction", std::string());
+        if (direction != "in" && direction != "out")
+            throw HostError(at + " (" + pin.name + "): \"direction\" must be \"in\" or \"out\"");
+        pin.output = direction == "out";
+        if (p.contains("default")) {
+            pin.defaultValue = defaultFromJson(pin.type, p["default"]);
+            if (!pin.defaultValue)
+                throw HostError(at + " (" + pin.name + "): \"default\" " + p["default"].dump() + " is not a " +
+                                datatypeName(pin.type) + " value");
+        }
+        if (p.contains("autoDuplicate")) {
+            if (!p["autoDuplicate"].is_boolean())
+                throw HostError(at + " (" + pin.name + "): \"autoDuplicate\" must be true or false");
+            pin.autoDuplicate = p["autoDuplicate"].get<bool>();
+        }
+        side.pins.push_back(std::move(pin));
+    }
+    for (size_t i = 0; i + 1 < side.pins.size(); ++i)
+        if (side.pins[i].autoDuplicate)
+            throw HostError(where + " (" + side.pins[i].name + "): only the last pin may be \"autoDuplicate\"");
+    return side;
+}
+
+}  // namespace
+
+void Catalogue::addText(const std::string& text, const std::filesystem::path& file) {
+    const std::string name = file.string();
+    json doc;
+    try {
+        doc = json::parse(text);
+    } catch (const json::parse_error& e) {
+        // The library's message names the line and column.
+        std::string what = e.what();
+        if (auto at = what.find("parse error "); at != std::string::npos)
+            what = what.substr(at + 12);
+        throw HostError(name + ": malformed JSON: " + what);
+    }
+    if (!doc.is_object() || !doc.contains("modules") || !doc["modules"].is_array())
+        throw HostError(name + ": needs a top-level object with a \"modules\" array");
+    for (const auto& m : doc["modules"]) {
+        if (!m.is_object() || !m.contains("id") || !m["id"].is_string() || m["id"].get<std::string>().empty())
+            throw HostError(name + ": every module needs an \"id\"");
+        ModuleInfo info;
+        info.id = m["id"].get<std::string>();
+        info.name = m.value("name", info.id);
+        info.file = file;
+        const std::string where = name + ": " + info.id;
+        if (m.contains("gui"))
+            info.gui = readSide(m["gui"], where + " gui");
+        if (m.contains("dsp"))
+            info.dsp = readSide(m["dsp"], where + " dsp");
+        if (!info.gui && !info.dsp)
+            throw HostError(where + ": describes neither a \"gui\" nor a \"dsp\" side");
+        if (auto it = modules_.find(info.id); it != modules_.end())
+            throw HostError(where + ": already described in " + it->second.file.string());
+        modules_.emplace(info.id, std::move(info));
+    }
+}
+
+void Catalogue::addFile(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in)
+        throw HostError(file.string() + ": cannot be read");
+    std::ostringstream text;
+    text << in.rdbuf();
+    addText(text.str(), file);
+}
+
+Catalogue Catalogue::load(const std::filesystem::path& dir) {
+    std::error_code ec;
+    if (!std::filesystem::is_directory(dir, ec))
+        throw HostError("descriptions folder " + dir.string() + " does not exist");
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(dir, ec))
+        if (entry.path().extension() == ".json")
+            files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    Catalogue catalogue;
+    for (const auto& f : files)
+        catalogue.addFile(f);
+    return catalogue;
+}
+
+const ModuleInfo* Catalogue::find(const std::string& id) const {
+    auto it = modules_.find(id);
+    return it == modules_.end() ? nullptr : &it->second;
+}
+
+}  // namespace kxhost

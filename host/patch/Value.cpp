@@ -1,0 +1,236 @@
+#include "patch/Value.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include "patch/Text.h"
+
+namespace kxhost {
+
+namespace {
+constexpr const char* names[] = {"text", "bool", "float", "int", "blob", "enum", "audio", "midi"};
+}
+
+const char* datatypeName(Datatype type) { return names[static_cast<int>(type)]; }
+
+std::optional<Datatype> datatypeFromName(std::string_view name) {
+    for (int i = 0; i < static_cast<int>(std::size(names)); ++i)
+        if (name == names[i])
+            return static_cast<Datatype>(i);
+    return std::nullopt;
+}
+
+namespace {
+
+// The datatypes grouped by the value they carry.
+enum class Kind { Int, Float, Bool, Text, Bytes };
+
+Kind kindOf(Datatype type) {
+    switch (type) {
+        case Datatype::Int:
+        case Datatype::Enum:
+            return Kind::Int;
+        case Datatype::Float:
+        case Datatype::Audio:
+            return Kind::Float;
+        case Datatype::Bool:
+            return Kind::Bool;
+        case Datatype::Text:
+            return Kind::Text;
+        case Datatype::Blob:
+        case Datatype::Midi:
+            return Kind::Bytes;
+    }
+    return Kind::Bytes;
+}
+
+}  // namespace
+
+Value Value::ofInt(int32_t v, Datatype type) {
+    Value r(type);
+    r.int_ = v;
+    return r;
+}
+
+Value Value::ofFloat(float v, Datatype type) {
+    Value r(type);
+    r.float_ = v;
+    return r;
+}
+
+Value Value::ofBool(bool v) {
+    Value r(Datatype::Bool);
+    r.bool_ = v;
+    return r;
+}
+
+Value Value::ofText(std::wstring v) {
+    Value r(Datatype::Text);
+    r.text_ = std::move(v);
+    return r;
+}
+
+Value Value::ofBlob(Bytes v, Datatype type) {
+    Value r(type);
+    r.blob_ = std::move(v);
+    return r;
+}
+
+std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data) {
+    if (size < 0 || (size > 0 && data == nullptr))
+        return std::nullopt;
+    const auto* p = static_cast<const uint8_t*>(data);
+    switch (kindOf(type)) {
+        case Kind::Int: {
+            if (size != 4)
+                return std::nullopt;
+            int32_t v;
+            std::memcpy(&v, p, 4);
+            return ofInt(v, type);
+        }
+        case Kind::Float: {
+            if (size != 4)
+                return std::nullopt;
+            float v;
+            std::memcpy(&v, p, 4);
+            return ofFloat(v, type);
+        }
+        case Kind::Bool:
+            // One byte is what a bool pin sends; four bytes is how some hosts store a bool.
+            if (size == 1)
+                return ofBool(p[0] != 0);
+            if (size == 4) {
+                int32_t v;
+                std::memcpy(&v, p, 4);
+                return ofBool(v != 0);
+            }
+            return std::nullopt;
+        case Kind::Text: {
+            if (size % 4 != 0)
+                return std::nullopt;
+            std::wstring text(static_cast<size_t>(size) / 4, L'\0');
+            if (size > 0)
+                std::memcpy(text.data(), p, static_cast<size_t>(size));
+            return ofText(std::move(text));
+        }
+        case Kind::Bytes:
+            return ofBlob(Bytes(p, p + size), type);
+    }
+    return std::nullopt;
+}
+
+Bytes Value::bytes() const {
+    Bytes b;
+    switch (kindOf(type_)) {
+        case Kind::Int:
+            b.resize(4);
+            std::memcpy(b.data(), &int_, 4);
+            break;
+        case Kind::Float:
+            b.resize(4);
+            std::memcpy(b.data(), &float_, 4);
+            break;
+        case Kind::Bool:
+            b.push_back(bool_ ? 1 : 0);
+            break;
+        case Kind::Text:
+            b.resize(text_.size() * sizeof(wchar_t));
+            if (!b.empty())
+                std::memcpy(b.data(), text_.data(), b.size());
+            break;
+        case Kind::Bytes:
+            b = blob_;
+            break;
+    }
+    return b;
+}
+
+std::string quoted(std::string_view s) {
+    std::string out = "\"";
+    for (char c : s) {
+        switch (c) {
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            default:
+                if (static_cast<unsigned char>(c) < 0x20) {
+                    char buf[8];
+                    std::snprintf(buf, sizeof buf, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+                    out += buf;
+                } else {
+                    out += c;
+                }
+        }
+    }
+    return out + "\"";
+}
+
+std::string Value::format() const {
+    switch (kindOf(type_)) {
+        case Kind::Int:
+            return std::to_string(int_);
+        case Kind::Bool:
+            return bool_ ? "true" : "false";
+        case Kind::Text:
+            return kxhost::quoted(narrow(text_));
+        case Kind::Float: {
+            if (std::isnan(float_))
+                return "nan";
+            if (std::isinf(float_))
+                return float_ > 0 ? "inf" : "-inf";
+            char buf[32];
+            auto r = std::to_chars(buf, buf + sizeof buf, float_);
+            std::string s(buf, r.ptr);
+            // Keep floats recognisable as floats in a trace.
+            if (s.find_first_of(".e") == std::string::npos)
+                s += ".0";
+            return s;
+        }
+        case Kind::Bytes: {
+            static const char hex[] = "0123456789abcdef";
+            std::string s = "[";
+            for (size_t i = 0; i < blob_.size(); ++i) {
+                if (i)
+                    s += ' ';
+                s += hex[blob_[i] >> 4];
+                s += hex[blob_[i] & 15];
+            }
+            return s + "]";
+        }
+    }
+    return "?";
+}
+
+bool operator==(const Value& a, const Value& b) {
+    const Kind kind = kindOf(a.type_);
+    if (kind != kindOf(b.type_))
+        return false;
+    switch (kind) {
+        case Kind::Int:
+            return a.int_ == b.int_;
+        case Kind::Float:
+            return (std::isnan(a.float_) && std::isnan(b.float_)) || a.float_ == b.float_;
+        case Kind::Bool:
+            return a.bool_ == b.bool_;
+        case Kind::Text:
+            return a.text_ == b.text_;
+        case Kind::Bytes:
+            return a.blob_ == b.blob_;
+    }
+    return false;
+}
+
+}  // namespace kxhost

@@ -1,0 +1,200 @@
+// Host parameters with the properties patch memory uses: a value with a range and its normalised
+// position, a name, menu items and selection, a grab state. Pins bind to a parameter by role; a pin that
+// transmits updates the parameter, which delivers every changed property into every pin bound to it (the
+// sender's own pin included, as the host's echo). DSP pins receive the value as an event of the next block.
+//
+//   parameter NAME int|float|bool|text|blob|list [MIN MAX] [menu "ITEMS"]
+//   bind NAME value|normalized|name|menu-items|menu-selection|grab PIN [PIN ...]
+#include <algorithm>
+#include <any>
+#include <map>
+#include <memory>
+
+#include "audio/HostParameter.h"
+#include "patch/Registry.h"
+#include "patch/Text.h"
+#include "session/Session.h"
+
+namespace kxhost {
+
+namespace {
+
+struct ParameterSpec {
+    std::string name;
+    ParamType type = ParamType::Float;
+    double minimum = 0.0;
+    double maximum = 1.0;
+    std::wstring menu;
+    std::map<ParamRole, std::vector<PinRef>> pins;
+};
+using ParameterSpecs = std::vector<ParameterSpec>;
+
+const std::map<std::string, ParamType> kTypes = {{"int", ParamType::Int},   {"float", ParamType::Float},
+                                                 {"bool", ParamType::Bool}, {"text", ParamType::Text},
+                                                 {"blob", ParamType::Blob}, {"list", ParamType::List}};
+const std::map<std::string, ParamRole> kRoles = {
+    {"value", ParamRole::Value},          {"normalized", ParamRole::Normalized},        {"name", ParamRole::Name},
+    {"menu-items", ParamRole::MenuItems}, {"menu-selection", ParamRole::MenuSelection}, {"grab", ParamRole::Grab}};
+
+Datatype valueDatatype(ParamType type) {
+    switch (type) {
+        case ParamType::Int:
+        case ParamType::List:
+            return Datatype::Int;
+        case ParamType::Float:
+            return Datatype::Float;
+        case ParamType::Bool:
+            return Datatype::Bool;
+        case ParamType::Text:
+            return Datatype::Text;
+        case ParamType::Blob:
+            return Datatype::Blob;
+    }
+    return Datatype::Int;
+}
+
+Datatype roleDatatype(ParamRole role, ParamType type) {
+    switch (role) {
+        case ParamRole::Value:
+            return valueDatatype(type);
+        case ParamRole::Normalized:
+            return Datatype::Float;
+        case ParamRole::Name:
+        case ParamRole::MenuItems:
+            return Datatype::Text;
+        case ParamRole::MenuSelection:
+            return Datatype::Int;
+        case ParamRole::Grab:
+            return Datatype::Bool;
+    }
+    return Datatype::Int;
+}
+
+ParameterSpecs& specs(Patch& patch) {
+    auto& slot = patch.extensions["parameters"];
+    if (!slot.has_value())
+        slot = ParameterSpecs{};
+    return std::any_cast<ParameterSpecs&>(slot);
+}
+
+ParameterSpec* findSpec(Patch& patch, const std::string& name) {
+    for (auto& spec : specs(patch))
+        if (spec.name == name)
+            return &spec;
+    return nullptr;
+}
+
+bool boundAnywhere(Patch& patch, const PinRef& pin) {
+    for (const auto& spec : specs(patch))
+        for (const auto& [role, pins] : spec.pins)
+            if (std::find(pins.begin(), pins.end(), pin) != pins.end())
+                return true;
+    return false;
+}
+
+// parameter NAME TYPE [MIN MAX] [menu "ITEMS"]
+void parameterDirective(Parser& p, const Line& line) {
+    p.arity(line, 3, 7, "parameter NAME int|float|bool|text|blob|list [MIN MAX] [menu \"ITEMS\"]");
+    ParameterSpec spec;
+    spec.name = line.tokens[1].raw;
+    if (p.patch.param(spec.name) || p.patch.instance(spec.name) || findSpec(p.patch, spec.name))
+        p.fail(line, "the name '" + spec.name + "' is already used");
+    const auto type = kTypes.find(line.tokens[2].raw);
+    if (type == kTypes.end())
+        p.fail(line, "a parameter is int, float, bool, text, blob or list, not '" + line.tokens[2].raw + "'");
+    spec.type = type->second;
+    size_t next = 3;
+    if (line.tokens.size() > next + 1 && line.tokens[next].raw != "menu") {
+        spec.minimum = p.value(line, line.tokens[next], Datatype::Float).asFloat();
+        spec.maximum = p.value(line, line.tokens[next + 1], Datatype::Float).asFloat();
+        next += 2;
+    }
+    if (line.tokens.size() > next) {
+        if (line.tokens[next].raw != "menu" || line.tokens.size() != next + 2)
+            p.fail(line, "usage: parameter NAME TYPE [MIN MAX] [menu \"ITEMS\"]");
+        spec.menu = p.value(line, line.tokens[next + 1], Datatype::Text).text();
+    }
+    specs(p.patch).push_back(std::move(spec));
+}
+
+// bind NAME ROLE PIN [PIN ...]
+void bindDirective(Parser& p, const Line& line) {
+    p.arity(line, 4, -1, "bind PARAMETER value|normalized|name|menu-items|menu-selection|grab PIN [PIN ...]");
+    ParameterSpec* spec = findSpec(p.patch, line.tokens[1].raw);
+    if (!spec)
+        p.fail(line, "no parameter named '" + line.tokens[1].raw + "' (declare it with 'parameter' first)");
+    const auto role = kRoles.find(line.tokens[2].raw);
+    if (role == kRoles.end())
+        p.fail(line, "unknown role '" + line.tokens[2].raw + "'");
+    const Datatype wanted = roleDatatype(role->second, spec->type);
+    for (size_t i = 3; i < line.tokens.size(); ++i) {
+        const PinRef pin = p.pin(line, line.tokens[i]);
+        Datatype type = p.patch.pin(pin)->type;
+        if (type == Datatype::Enum)
+            type = Datatype::Int;
+        if (type != wanted)
+            p.fail(line, p.patch.label(pin) + " is " + datatypeName(type) + ", the role needs " + datatypeName(wanted));
+        if (p.patch.paramOf(pin) || boundAnywhere(p.patch, pin))
+            p.fail(line, p.patch.label(pin) + " is already bound to a parameter");
+        spec->pins[role->second].push_back(pin);
+    }
+}
+
+class ParameterSide final : public Extension {
+public:
+    void started(Session& s) override {
+        const auto it = s.patch().extensions.find("parameters");
+        if (it == s.patch().extensions.end())
+            return;
+        specs_ = std::any_cast<ParameterSpecs>(it->second);
+        for (size_t i = 0; i < specs_.size(); ++i) {
+            const ParameterSpec& spec = specs_[i];
+            params_.emplace_back(spec.name, spec.type, spec.minimum, spec.maximum, spec.menu);
+            const std::wstring name = widen(spec.name);
+            params_.back().set(ParamRole::Name, name.data(), static_cast<int32_t>(name.size() * sizeof(wchar_t)));
+            for (const auto& [role, pins] : spec.pins)
+                for (const auto& pin : pins)
+                    bound_[pin] = {i, role};
+        }
+        for (size_t i = 0; i < specs_.size(); ++i)
+            for (const auto& [role, pins] : specs_[i].pins)
+                deliverRole(s, i, role);
+    }
+
+    bool transmitted(Session& s, Instance&, const PinRef& pin, const Value& value) override {
+        const auto it = bound_.find(pin);
+        if (it == bound_.end())
+            return false;
+        const auto [index, role] = it->second;
+        const Bytes bytes = value.bytes();
+        for (ParamRole changed : params_[index].set(role, bytes.data(), static_cast<int32_t>(bytes.size())))
+            deliverRole(s, index, changed);
+        return true;
+    }
+
+private:
+    void deliverRole(Session& s, size_t index, ParamRole role) {
+        const auto pins = specs_[index].pins.find(role);
+        if (pins == specs_[index].pins.end())
+            return;
+        const std::string bytes = params_[index].bytes(role);
+        for (const auto& pin : pins->second) {
+            const PinInfo* info = s.patch().pin(pin);
+            if (!info)
+                continue;
+            if (auto value = Value::decode(info->type, static_cast<int32_t>(bytes.size()), bytes.data()))
+                s.deliver(pin, *value, "parameter");
+        }
+    }
+
+    ParameterSpecs specs_;
+    std::vector<HostParameter> params_;
+    std::map<PinRef, std::pair<size_t, ParamRole>> bound_;
+};
+
+const bool registered = Extensions::add([] { return std::make_unique<ParameterSide>(); }) &&
+                        Directives::add("parameter", parameterDirective) && Directives::add("bind", bindDirective);
+
+}  // namespace
+
+}  // namespace kxhost

@@ -1,0 +1,140 @@
+// A running patch: the modules the bundle created for its instances, the host objects they talk to,
+// the routing of every transmitted value (echo, parameters, wires), the trace, and the failures.
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "gmpi/IMpUserInterface2.h"
+#include "gui/GuiHost.h"
+#include "patch/Patch.h"
+#include "session/Bundle.h"
+#include "session/Extension.h"
+
+namespace kxhost {
+
+// One named instance at run time.
+class Instance {
+public:
+    Instance(Session& session, const InstanceDecl& decl, int32_t handle);
+    ~Instance();
+
+    Session& session;
+    const InstanceDecl& decl;
+    const int32_t handle;                     // unique within the session, from 1
+    gmpi::IMpUserInterface2B* gui = nullptr;  // the GUI half (one reference owned), or null
+    gmpi::IMpUnknown* dsp = nullptr;          // the DSP half as the factory made it (one reference), or null
+    bool guiReady = false;                    // setHost and initialize done; values for it wait until then
+
+    const std::string& name() const { return decl.name; }
+    const ModuleInfo& module() const { return *decl.module; }
+
+    // Extra interfaces the GUI half's host object answers in queryInterface, beyond the GUI host faces.
+    // The face must outlive the instance's modules (extensions keep them in their own state).
+    void offer(const gmpi::MpGuid& iid, gmpi::IMpUnknown* face) { offered_.offer(iid, face); }
+
+    GuiHost& guiHost() { return *guiHost_; }
+
+private:
+    FaceTable offered_;
+    std::unique_ptr<GuiHost> guiHost_;
+};
+
+class Session {
+public:
+    Session(Bundle& bundle, const Patch& patch, std::ostream& out, std::ostream& err);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Creates every instance, hands it its host, initialises it, delivers the default and initial
+    // values. Throws HostError (naming the patch line) when the bundle cannot create an instance.
+    void start();
+    // Runs the scenario. Returns true when no expectation failed and no loop was cut.
+    bool runScenario();
+    // start() and runScenario(), then a summary line.
+    bool run();
+
+    // ---- for steps
+    // A value from outside (the scenario): into the pin, or, when the pin is bound to a parameter,
+    // into the parameter (and so into every pin bound to it).
+    void set(const PinRef& pin, const Value& value);
+    void setParam(const ParamDecl& param, const Value& value);
+    // What the host last delivered into or received from the pin (its description default, or the
+    // datatype's zero, before that).
+    const Value& value(const PinRef& pin) const;
+    const Value& paramValue(const ParamDecl& param) const;
+    // Transmissions from the pin since the last step that was not an observing one (or since the start).
+    int sentCount(const PinRef& pin) const;
+    // Records a failure; the run ends non-zero.
+    void fail(const Location& where, const std::string& what);
+    void warn(const std::string& what);
+    int failures() const { return failures_; }
+    std::ostream& out() { return out_; }
+    // Prints a trace line indented to the current nesting depth.
+    void trace(const std::string& line);
+
+    // ---- for host objects and extensions
+    // Setting a pin: setPin then notifyPin on the GUI half, or handed to the extensions for a DSP half.
+    void deliver(const PinRef& pin, const Value& value, const char* why);
+    // A module transmitted a pin value: echo, parameter, wires. Returns 0, or -1 when refused.
+    int32_t transmit(Instance& from, Side side, int32_t pin, int32_t size, const void* data);
+    int32_t messageToAudio(Instance& from, int32_t id, int32_t size, const void* data);
+
+    Bundle& bundle() { return bundle_; }
+    const Patch& patch() const { return patch_; }
+    Instance* instance(const std::string& name);
+    const std::vector<std::unique_ptr<Instance>>& instances() const { return instances_; }
+    // Resource folders in search order: the patch's, or else the patch file's own folder.
+    std::vector<std::filesystem::path> resourceFolders() const;
+    // Where files a run writes (snapshots) go: kxhost's --out folder; empty without one, and then
+    // snapshots are rendered but not written.
+    const std::filesystem::path& outputDir() const { return outputDir_; }
+    void setOutputDir(std::filesystem::path dir) { outputDir_ = std::move(dir); }
+    // Where the step or start-up phase being run comes from.
+    const Location& current() const { return current_; }
+
+    template <class T>
+    T* extension() {
+        for (auto& e : extensions_)
+            if (auto* t = dynamic_cast<T*>(e.get()))
+                return t;
+        return nullptr;
+    }
+
+private:
+    struct PinState {
+        Value value;
+        int sent = 0;
+    };
+    PinState& state(const PinRef& pin);
+    // newCount: the step starts a new count of transmissions (see sentCount).
+    void runStep(const Step& step, bool newCount);
+
+    Bundle& bundle_;
+    const Patch& patch_;
+    std::ostream& out_;
+    std::ostream& err_;
+    std::vector<std::unique_ptr<Extension>> extensions_;
+    std::vector<std::unique_ptr<Instance>> instances_;
+    std::map<PinRef, PinState> pins_;
+    std::map<std::string, Value> params_;
+    struct Pending {
+        PinRef pin;
+        Value value;
+        const char* why;
+    };
+    std::vector<Pending> pending_;  // values sent to GUI halves not yet initialised
+    Location current_;
+    std::filesystem::path outputDir_;
+    int depth_ = 0;
+    bool cutting_ = false;  // a loop was cut: drop every transmission until the cascade unwinds
+    bool closing_ = false;  // modules are being released: nothing they transmit is routed any more
+    int failures_ = 0;
+    bool warnedDsp_ = false;
+};
+
+}  // namespace kxhost

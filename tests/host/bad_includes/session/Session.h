@@ -1,0 +1,3 @@
+// Uses a part its row allows.
+#include "gmpi/IMpUnknown.h"
+#include "patch/Patch.h"
