@@ -116,18 +116,6 @@ private:
 
 namespace kx::detail {
 
-template <class T>
-struct GuiPinTraits;
-
-template <>
-struct GuiPinTraits<int> {
-    static constexpr int datatype = MP_DT_INT;
-};
-template <>
-struct GuiPinTraits<float> {
-    static constexpr int datatype = MP_DT_FLOAT;
-};
-
 // The int and float pins share one rule: unchanged only when exactly 4 bytes arrive and their bit
 // pattern equals the stored one (so -0.0 differs from 0.0 and a NaN with the same bits is unchanged).
 // Fewer than 4 bytes overwrite the leading bytes; more than 4 copy only 4.
@@ -150,7 +138,7 @@ template <class T>
 class MpGuiPin : public MpGuiPinBase {
 public:
     bool set(int, int size, const void* data) override { return kx::detail::setFourByteValue(value, size, data); }
-    int getDatatype() const override { return kx::detail::GuiPinTraits<T>::datatype; }
+    int getDatatype() const override { return kx::datatypeOf<T>; }
     int rawSize() const override { return 4; }
     const void* rawData() const override { return &value; }
 

@@ -19,19 +19,6 @@ namespace gui {
 enum Pin : int { Value, PinCount };
 }
 
-template <class T>
-struct Datatype;
-template <>
-struct Datatype<int> : std::integral_constant<int, MP_DT_INT> {};
-template <>
-struct Datatype<float> : std::integral_constant<int, MP_DT_FLOAT> {};
-template <>
-struct Datatype<bool> : std::integral_constant<int, MP_DT_BOOL> {};
-template <>
-struct Datatype<std::wstring> : std::integral_constant<int, MP_DT_TEXT> {};
-template <>
-struct Datatype<MpBlob> : std::integral_constant<int, MP_DT_BLOB> {};
-
 }  // namespace kx::bridge
 
 // DSP half: passes the audio-graph input to the output and reports it to the GUI half while enabled;
@@ -39,7 +26,7 @@ struct Datatype<MpBlob> : std::integral_constant<int, MP_DT_BLOB> {};
 template <class T>
 class KX_DspGuiBridge : public MpBase2 {
 public:
-    static constexpr int datatype = kx::bridge::Datatype<T>::value;
+    static constexpr int datatype = kx::datatypeOf<T>;
 
     KX_DspGuiBridge();
 
