@@ -119,20 +119,18 @@ void GtkRequests::showFileDialog(Shown& shown, const FileDialogRequest& request)
     if (folder.empty() && name.has_parent_path())
         folder = name.parent_path();
     std::error_code ec;
-    if (!folder.empty() && std::filesystem::is_directory(folder, ec)) {
+    const std::filesystem::path file = folder / name.filename();
+    if (!request.save && !name.filename().empty() && std::filesystem::is_regular_file(file, ec)) {
+        GFile* f = g_file_new_for_path(file.c_str());
+        gtk_file_chooser_set_file(chooser, f, nullptr);  // its folder, with it selected
+        g_object_unref(f);
+    } else if (!folder.empty() && std::filesystem::is_directory(folder, ec)) {
         GFile* f = g_file_new_for_path(folder.c_str());
         gtk_file_chooser_set_current_folder(chooser, f, nullptr);
         g_object_unref(f);
     }
-    if (!name.filename().empty()) {
-        if (request.save) {
-            gtk_file_chooser_set_current_name(chooser, name.filename().c_str());
-        } else if (const auto file = folder / name.filename(); std::filesystem::is_regular_file(file, ec)) {
-            GFile* f = g_file_new_for_path(file.c_str());
-            gtk_file_chooser_set_file(chooser, f, nullptr);
-            g_object_unref(f);
-        }
-    }
+    if (request.save && !name.filename().empty())
+        gtk_file_chooser_set_current_name(chooser, name.filename().c_str());
     g_signal_connect(shown.dialog, "response", G_CALLBACK(onFileResponse), &shown);
     gtk_native_dialog_show(GTK_NATIVE_DIALOG(shown.dialog));
 }

@@ -1,10 +1,12 @@
 // Graphic modules for testing the renderer and the panel's pointer routing with a real skin: a frame of a
-// skin image with a text below it, dragged like a knob; and a drawn list whose rows take clicks and hover.
+// skin image with a text below it, dragged like a knob; a drawn list whose rows take clicks and hover; and
+// a text field edited through the host's text editor.
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
 #include "FontCache.h"
+#include "GmpiGui.h"
 #include "ImageBase.h"
 #include "MpFactory.h"
 #include "TextCodec.h"
@@ -136,6 +138,48 @@ private:
     std::vector<std::string> rows_;
 };
 
+// Shows its text; a press opens the host's text editor over it, and a confirmed edit becomes the text.
+class T_TextField : public gmpi_gui::MpGuiGfxBase, public FontCacheClient {
+public:
+    T_TextField() { initializePin(text, &T_TextField::onSetText); }
+    void onSetText() { invalidateRect(); }
+
+    int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT) override {
+        gmpi::IMpUnknown* made = nullptr;
+        if (!(flags & gmpi_gui_api::GG_POINTER_FLAG_FIRSTBUTTON) || !getGuiHost() ||
+            getGuiHost()->createPlatformTextEdit(&getRect(), &made) != gmpi::MP_OK)
+            return gmpi::MP_OK;
+        editor_ = GmpiGui::TextEdit(made);
+        editor_.SetText(kx::toUtf8(text.getValue()));
+        editor_.SetTextSize(12);
+        // The host drops an open editor without calling back when the module goes.
+        editor_.ShowAsync([this](int32_t result) {
+            if (result == gmpi::MP_OK)
+                text = kx::fromUtf8(editor_.GetText());
+            editor_.release();
+        });
+        return gmpi::MP_OK;
+    }
+
+    int32_t OnRender(GmpiDrawing_API::IMpDeviceContext* dc) override {
+        GmpiDrawing::Graphics g(dc);
+        const auto r = getRect();
+        const GmpiDrawing::Rect all(0, 0, r.right - r.left, r.bottom - r.top);
+        g.FillRectangle(all, g.CreateSolidColorBrush(GmpiDrawing::Color::FromArgb(0xFF101018)));
+        g.DrawTextU(kx::toUtf8(text.getValue()), GetTextFormat("normal"),
+                    GmpiDrawing::Rect(4, 3, all.right, all.bottom),
+                    g.CreateSolidColorBrush(GmpiDrawing::Color::FromArgb(0xFFE0E0E0)),
+                    GmpiDrawing_API::MP1_DRAW_TEXT_OPTIONS_CLIP);
+        return gmpi::MP_OK;
+    }
+
+private:
+    StringGuiPin text;
+    GmpiGui::TextEdit editor_;
+};
+
 namespace {
-const bool registered = gmpi::Register<T_SkinText>::withId(L"T_SkinText") && gmpi::Register<T_List>::withId(L"T_List");
+const bool registered = gmpi::Register<T_SkinText>::withId(L"T_SkinText") &&
+                        gmpi::Register<T_List>::withId(L"T_List") &&
+                        gmpi::Register<T_TextField>::withId(L"T_TextField");
 }

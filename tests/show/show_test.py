@@ -2,10 +2,11 @@
 """kxhost show for real: a virtual X server, a real window, pointer input from xdotool.
 
 1. live_panel.kxp (test bundle): drags the knob (plainly, then with Ctrl held), clicks a row of the list
-   and hovers another; checks the traffic kxhost prints, then compares a screenshot of the window with
-   a snapshot `kxhost run` makes after the same pointer events (its expect-image tolerance).
-2. timer_panel.kxp (real bundle, --play): the scenario starts a GUI timer, which must keep running in
-   the window's loop.
+   and hovers another, edits the text field (confirmed with Enter, then cancelled with Escape); checks
+   the traffic kxhost prints, then compares a screenshot of the window with a snapshot `kxhost run`
+   makes after the same pointer events and answers (its expect-image tolerance).
+2. A patch of the real bundle, with --play: its scenario starts a GUI timer, which must keep running in
+   the window's loop, and opens a file requester's dialog, whose proposed file Enter chooses.
 Each run ends by closing the window, after which kxhost must report that nothing was left behind.
 
 Exits 77 (skipped) when Xvfb, xdotool or xwd is missing or no X server starts.
@@ -218,7 +219,16 @@ def live_panel(desktop, a):
         desktop.xdo("mousemove", "--window", window, *at(160, 58), "click", 1)
         line = show.wait_for(r"^  pointer up 160,58 -> list$", line)
         desktop.xdo("mousemove", "--window", window, *at(160, 44))
-        show.wait_for(r"^  list\.Hover -> 1$", line)
+        line = show.wait_for(r"^  list\.Hover -> 1$", line)
+        # The text field: typed over its text and confirmed, then typed and cancelled.
+        for typed, end, answer in (("Triangle", "Return", r'^  field\.Text -> "Triangle"$'),
+                                   ("Pulse", "Escape", r"^  cancelled$")):
+            desktop.xdo("mousemove", "--window", window, *at(60, 120), "click", 1)
+            line = show.wait_for(r"^  shown, waiting for an answer: text editor '", line)
+            desktop.xdo("windowfocus", "--sync", window)
+            desktop.xdo("type", "--delay", 20, typed)
+            desktop.xdo("key", end)
+            line = show.wait_for(answer, line)
 
         trace = show.output() + "\n"
         moves = r"((?:  knob\.Position -> \S+\n)+)"
@@ -242,7 +252,10 @@ def live_panel(desktop, a):
                 "scenario",
                 "drag 44 60 44 30 3", "drag 44 60 44 10 5 0x20010",
                 "pointer move 160 58 0", "pointer down 160 58", "pointer up 160 58", "pointer move 160 44 0",
+                "pointer down 60 120", "pointer up 60 120", 'text-edit answer "Triangle"',
+                "pointer down 60 120", "pointer up 60 120", "text-edit cancel",
                 "expect knob.Position 0.70 within 0.002", "expect list.Choice 2", "expect list.Hover 1",
+                'expect field.Text "Triangle"',
                 "snapshot live_panel_replay", "expect-image live_panel_window.png"]) + "\n")
         for attempt in range(3):  # a repaint may still be on its way
             rows = desktop.screenshot(window)
@@ -261,15 +274,31 @@ def live_panel(desktop, a):
             show.proc.kill()
 
 
-def timer_panel(desktop, a):
-    patch = os.path.join(HERE, "timer_panel.kxp")
+def real_panel(desktop, a):
+    chosen = os.path.join(HERE, "live_panel.kxp")
+    patch = os.path.join(a.work, "real_panel.kxp")
+    with open(patch, "w") as f:
+        f.write("\n".join([
+            'panel 160 40 "#2A4C7E"',
+            "instance osc KX_GUITimer", "set osc.Mode 5", 'set osc."Time 1 (ms)" 25', 'set osc."Time 2 (ms)" 25',
+            "instance req KX_FileReq", 'set req.Extensions "kxp"', 'set req."File Name" "%s"' % chosen,
+            "scenario",
+            'set osc."Trigger R" true', "set req.Open true", "set req.Open false"]) + "\n")
     show = Show([a.kxhost, "show", "--play", patch], desktop.env)
     try:
-        window = desktop.window("^kxhost: timer_panel\\.kxp$")
+        window = desktop.window("^kxhost: real_panel\\.kxp$")
         line = show.wait_for(r"^-- passed$")
         # The oscillator changes every 25 ms on the window's loop: eight changes come within a second.
         for _ in range(8):
             line = show.wait_for(r"^  osc\.Output -> ", line + 1, timeout=5)
+        if not re.search(r"shown, waiting for an answer: open dialog \[kxp\] initial 'live_panel\.kxp'",
+                         show.output()):
+            raise Failed("the file requester's dialog was not shown:\n" + show.output())
+        dialog = desktop.window("^Open file$")
+        desktop.xdo("windowfocus", "--sync", dialog)
+        desktop.xdo("key", "Return")
+        line = show.wait_for(r"^  answered '%s'$" % re.escape(chosen))
+        show.wait_for(r'^  req\."File Chosen" -> true$', line)
         close(desktop, show, window)
     finally:
         if show.proc.poll() is None:
@@ -289,11 +318,11 @@ def main():
     server, display = start_x_server()
     desktop = Desktop(display)
     # Software GL under a virtual server leaks at unload, which LeakSanitizer reports; GTK's cairo
-    # renderer puts the same pixels on screen. No accessibility bus runs here either.
-    desktop.env.update(GSK_RENDERER="cairo", GDK_DEBUG="gl-disable", GTK_A11Y="none")
+    # renderer puts the same pixels on screen. No accessibility bus or settings service runs here either.
+    desktop.env.update(GSK_RENDERER="cairo", GDK_DEBUG="gl-disable", GTK_A11Y="none", GSETTINGS_BACKEND="memory")
     try:
         live_panel(desktop, a)
-        timer_panel(desktop, a)
+        real_panel(desktop, a)
     except Failed as e:
         print("FAILED: %s" % e)
         return 1
