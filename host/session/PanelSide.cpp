@@ -305,6 +305,11 @@ Panel* findPanel(Session& s) {
     return e ? e->panel.get() : nullptr;
 }
 
+bool hasPanel(const Patch& patch) {
+    const PanelDecl& decl = panelDecl(patch);
+    return decl.size || !decl.placements.empty();
+}
+
 namespace {
 
 const bool registered =

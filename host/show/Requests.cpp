@@ -16,7 +16,11 @@ struct GtkRequests::Shown {
 };
 
 GtkRequests::GtkRequests(Panel& panel, GtkWindow* window, GtkOverlay* overlay)
-    : panel_(panel), window_(window), overlay_(overlay) {
+    : panel_(panel), window_(window), overlay_(overlay), style_(gtk_css_provider_new()) {
+    // A text field fits the module's rectangle, however small: no minimum height, no vertical padding.
+    gtk_css_provider_load_from_data(style_, "entry.kx-field { min-height: 0; padding-top: 0; padding-bottom: 0; }", -1);
+    gtk_style_context_add_provider_for_display(gtk_widget_get_display(GTK_WIDGET(window_)), GTK_STYLE_PROVIDER(style_),
+                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
     panel_.setPresenter(this);
 }
 
@@ -24,6 +28,9 @@ GtkRequests::~GtkRequests() {
     panel_.setPresenter(nullptr);
     for (auto& shown : shown_)
         close(*shown);
+    gtk_style_context_remove_provider_for_display(gtk_widget_get_display(GTK_WIDGET(window_)),
+                                                  GTK_STYLE_PROVIDER(style_));
+    g_object_unref(style_);
 }
 
 void GtkRequests::present(const std::shared_ptr<PendingRequest>& request) {
@@ -155,6 +162,7 @@ void GtkRequests::showTextField(Shown& shown, const TextEditRequest& request) {
     const auto& r = request.rect;
     GtkWidget* field = gtk_entry_new();
     shown.field = field;
+    gtk_widget_add_css_class(field, "kx-field");
     gtk_editable_set_text(GTK_EDITABLE(field), request.text.c_str());
     gtk_editable_set_width_chars(GTK_EDITABLE(field), 1);
     // The module's alignment: leading, trailing or centred.

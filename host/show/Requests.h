@@ -42,6 +42,7 @@ private:
     Panel& panel_;
     GtkWindow* window_;
     GtkOverlay* overlay_;
+    GtkCssProvider* style_;
     std::vector<std::unique_ptr<Shown>> shown_;
 };
 

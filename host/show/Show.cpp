@@ -197,6 +197,8 @@ struct Player {
 }  // namespace
 
 int show(Bundle& bundle, const Patch& patch, const ShowOptions& options, std::ostream& out, std::ostream& err) {
+    if (!hasPanel(patch))
+        throw HostError(patch.file.string() + ": nothing to show: the patch has no panel (panel W H, place NAME X Y)");
     if (!gtk_init_check())
         throw HostError("show needs a display, and none can be opened (is DISPLAY set?)");
     const int aliveBefore = Counted::alive();
@@ -209,8 +211,8 @@ int show(Bundle& bundle, const Patch& patch, const ShowOptions& options, std::os
         session.setOutputDir(options.output);
         session.start();
         Panel* panel = findPanel(session);
-        if (!panel || panel->size().width <= 1 || panel->size().height <= 1)
-            throw HostError(patch.file.string() + ": nothing to show: the patch places no instance (place NAME X Y)");
+        if (!panel)
+            throw HostError(patch.file.string() + ": nothing to show: the patch has no instance");
 
         out << "-- live: " << (options.play ? "the scenario plays once the window is up; " : "")
             << "close the window (or Ctrl+Q) to end\n";
