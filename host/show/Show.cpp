@@ -179,14 +179,25 @@ private:
     bool closed_ = false;
 };
 
-// Plays the scenario once the window is on screen.
+// Plays the scenario once, as soon as the window is on screen.
 struct Player {
     Session& session;
-    bool played = false;
+    guint idle = 0;
+    bool started = false;
 
+    ~Player() {
+        if (idle)
+            g_source_remove(idle);
+    }
+    static void mapped(gpointer data) {
+        auto* self = static_cast<Player*>(data);
+        if (!self->started && !self->idle)
+            self->idle = g_idle_add(play, self);
+    }
     static gboolean play(gpointer data) {
         auto* self = static_cast<Player*>(data);
-        self->played = true;
+        self->idle = 0;
+        self->started = true;
         const bool passed = self->session.runScenario();
         self->session.out() << (passed ? "-- passed\n"
                                        : "-- FAILED: " + std::to_string(self->session.failures()) + " failure(s)\n");
@@ -216,17 +227,13 @@ int show(Bundle& bundle, const Patch& patch, const ShowOptions& options, std::os
 
         out << "-- live: " << (options.play ? "the scenario plays once the window is up; " : "")
             << "close the window (or Ctrl+Q) to end\n";
+        Player player{session};  // outlives the window, which calls it when mapped
         LiveWindow window(session, *panel, "kxhost: " + patch.file.filename().string());
-        Player player{session};
         if (options.play)
-            g_signal_connect_swapped(window.window(), "map",
-                                     G_CALLBACK(+[](gpointer p) { g_idle_add(Player::play, p); }), &player);
+            g_signal_connect_swapped(window.window(), "map", G_CALLBACK(Player::mapped), &player);
         gtk_window_present(window.window());
         while (!window.closed())
             g_main_context_iteration(nullptr, TRUE);
-        // A scenario still to start (the window closed before its first frame) does not start any more.
-        if (options.play && !player.played)
-            g_idle_remove_by_data(&player);
 
         window.hide();
         window.dropRequests();
