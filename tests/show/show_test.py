@@ -77,6 +77,13 @@ class Show:
 
     def wait_for(self, pattern, after=0, timeout=10):
         """Index of the first line from `after` on matching the pattern."""
+        found = self.seen(pattern, after, timeout)
+        if found is None:
+            raise Failed("no line matching %r; kxhost printed:\n%s\n%s" % (pattern, self.output(), "\n".join(self.err)))
+        return found
+
+    def seen(self, pattern, after=0, timeout=10):
+        """As wait_for, but None when no such line comes in time."""
         deadline = time.time() + timeout
         ended = False
         while time.time() < deadline:
@@ -87,7 +94,7 @@ class Show:
                 break
             ended = self.proc.poll() is not None  # one more look at what it printed last
             time.sleep(0.05)
-        raise Failed("no line matching %r; kxhost printed:\n%s\n%s" % (pattern, self.output(), "\n".join(self.err)))
+        return None
 
     def output(self):
         return "\n".join(self.lines)
@@ -225,6 +232,12 @@ def live_panel(desktop, a):
                                    ("Pulse", "Escape", r"^  cancelled$")):
             desktop.xdo("mousemove", "--window", window, *at(60, 120), "click", 1)
             line = show.wait_for(r"^  shown, waiting for an answer: text editor '", line)
+            # Typed into the text field once it is on screen (light, where the module draws dark).
+            deadline = time.time() + 10
+            while min(desktop.screenshot(window)[oy + 120][ox + 120]) < 160:
+                if time.time() > deadline:
+                    raise Failed("no text field showed over the module")
+                time.sleep(0.05)
             desktop.xdo("windowfocus", "--sync", window)
             desktop.xdo("type", "--delay", 20, typed)
             desktop.xdo("key", end)
@@ -295,9 +308,17 @@ def real_panel(desktop, a):
                          show.output()):
             raise Failed("the file requester's dialog was not shown:\n" + show.output())
         dialog = desktop.window("^Open file$")
-        desktop.xdo("windowfocus", "--sync", dialog)
-        desktop.xdo("key", "Return")
-        line = show.wait_for(r"^  answered '%s'$" % re.escape(chosen))
+        # The chooser lists its folder and selects the file after it shows: Enter opens nothing before.
+        answered = r"^  answered '%s'$" % re.escape(chosen)
+        for _ in range(20):
+            try:
+                desktop.xdo("windowfocus", "--sync", dialog)
+                desktop.xdo("key", "Return")
+            except Failed:
+                pass  # closed meanwhile: answered
+            if show.seen(answered, timeout=0.5) is not None:
+                break
+        line = show.wait_for(answered)
         show.wait_for(r'^  req\."File Chosen" -> true$', line)
         close(desktop, show, window)
     finally:
