@@ -64,11 +64,13 @@ void syncFolder(const fs::path& folder) {
 // made with the permissions a new file gets. -1 when the folder does not let one be made.
 int createTemporary(const fs::path& target, std::string& temporary) {
     static unsigned counter = 0;
+    std::string prefix(1, '.');
+    prefix += target.filename().string();
+    prefix += ".kxsave-";
+    prefix += std::to_string(::getpid());
+    prefix += '-';
     for (int attempt = 0; attempt < 100; ++attempt) {
-        const fs::path candidate =
-            target.parent_path() / ("." + target.filename().string() + ".kxsave-" + std::to_string(::getpid()) + "-" +
-                                    std::to_string(counter++));
-        temporary = candidate.string();
+        temporary = (target.parent_path() / (prefix + std::to_string(counter++))).string();
         const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (fd >= 0 || errno != EEXIST)
             return fd;
