@@ -3,9 +3,8 @@
 //
 // The pins every image widget has are members here; each widget binds them in its own pin order, e.g.
 //   initializePin(pinAnimationPosition, &ImageBase::calcDrawAt);
-//   initializePin(pinFilename, &ImageBase::onSetFilename);
-//   initializePin(pinHint); initializePin(pinMenuItems); initializePin(pinMenuSelection);
-//   initializePin(pinMouseDown); initializePin(pinHold);
+//   initializeImagePins();  // file name, hint, menu items, menu selection, mouse down
+//   initializePin(pinHold);
 #pragma once
 
 #include <cmath>
@@ -46,6 +45,15 @@ public:
     void reDraw() { invalidateRect(); }
 
 protected:
+    // Binds, in this order, the pins all image widgets have in a row: file name (loads the image), hint,
+    // menu items, menu selection, mouse down.
+    void initializeImagePins() {
+        initializePin(pinFilename, &ImageBase::onSetFilename);
+        initializePin(pinHint);
+        initializePin(pinMenuItems);
+        initializePin(pinMenuSelection);
+        initializePin(pinMouseDown);
+    }
     // The size of the rectangle the host arranged the widget in. Only the size counts: a widget draws and
     // receives points in its own coordinates, (0, 0) at its top-left corner, wherever the panel puts it.
     GmpiDrawing::Size layoutSize() const { return {rect_.right - rect_.left, rect_.bottom - rect_.top}; }

@@ -31,16 +31,12 @@ bool isFinite(MP1_POINT p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
 KX_Image::KX_Image() {
     initializePin(pinPosition, &ImageBase::calcDrawAt);
-    initializePin(pinFilename, &ImageBase::onSetFilename);
-    initializePin(pinHint);
-    initializePin(pinMenuItems);
-    initializePin(pinMenuSelection);
-    initializePin(pinMouseDown);
+    initializeImagePins();
     initializePin(pinHold);
     initializePin(pinPixelThreshold);
-    initializePin(centre_.offsetX, &KX_Image::onSetCenter);
-    initializePin(centre_.offsetY, &KX_Image::onSetCenter);
-    initializePin(centre_.show, &KX_Image::onSetCenter);
+    initializePin(pinCentreX, &RotaryImageBase::onSetCenter);
+    initializePin(pinCentreY, &RotaryImageBase::onSetCenter);
+    initializePin(pinShowCentre, &RotaryImageBase::onSetCenter);
     initializePin(pinFrameCount);
     initializePin(pinPixelPulse);
     initializePin(pinPointerX);
@@ -48,18 +44,6 @@ KX_Image::KX_Image() {
 }
 
 int32_t KX_Image::getMouseResponse() { return metadata_ ? metadata_->mouseResponse : Response::Vertical; }
-
-void KX_Image::onSetCenter() {
-    centre_.update();
-    invalidateRect();
-}
-
-int32_t KX_Image::measure(GmpiDrawing_API::MP1_SIZE, GmpiDrawing_API::MP1_SIZE* returnDesiredSize) {
-    if (!returnDesiredSize)
-        return gmpi::MP_FAIL;
-    *returnDesiredSize = desiredSize();
-    return gmpi::MP_OK;
-}
 
 int32_t KX_Image::hitTest(MP1_POINT point) {
     const BitmapHit found = bitmapHitTest(point);
@@ -119,7 +103,7 @@ void KX_Image::stepFrame() {
 
 float KX_Image::rotaryDelta(MP1_POINT point, float dy) {
     const GmpiDrawing::Size size = layoutSize();
-    const GmpiDrawing::Point c = centre_.at(size);
+    const GmpiDrawing::Point c = rotaryCentre();
     float d = std::atan2(point.y - c.y, point.x - c.x) - std::atan2(dragStart_.y - c.y, dragStart_.x - c.x);
     if (d < -kPi)
         d += 2 * kPi;
@@ -174,13 +158,6 @@ int32_t KX_Image::onPointerUp(int32_t flags, MP1_POINT point) {
         calcDrawAt();
     }
     return gmpi::MP_OK;
-}
-
-int32_t KX_Image::OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) {
-    const int32_t result = ImageBase::OnRender(drawingContext);
-    GmpiDrawing::Graphics g(drawingContext);
-    centre_.draw(g, layoutSize());
-    return result;
 }
 
 KX_ImgM2C::KX_ImgM2C() {

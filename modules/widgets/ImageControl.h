@@ -7,9 +7,8 @@
 // KX_ImgM2C: passes a menu selection on, dropping "no selection" (-1) and repeats.
 #pragma once
 
-#include "ImageBase.h"
 #include "MpGuiBase2.h"
-#include "widgets/RotaryCentre.h"
+#include "widgets/RotaryImageBase.h"
 
 namespace kx::image {
 enum Pin : int {
@@ -36,19 +35,16 @@ namespace kx::imgm2c {
 enum Pin : int { Out, In, PinCount };
 }
 
-class KX_Image : public ImageBase {
+class KX_Image : public RotaryImageBase {
 public:
     KX_Image();
 
-    // Frame plus padding; 10 x 10 without an image.
-    int32_t measure(GmpiDrawing_API::MP1_SIZE availableSize, GmpiDrawing_API::MP1_SIZE* returnDesiredSize) override;
     // A hit needs a visible pixel of the current frame. Reading that pixel also reports the pointer
     // position and, when the pixel reaches the threshold, pulses the pixel-pulse pin.
     int32_t hitTest(GmpiDrawing_API::MP1_POINT point) override;
     int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
     int32_t onPointerMove(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
     int32_t onPointerUp(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
-    int32_t OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) override;
 
     float getAnimationPos() override { return pinPosition; }
     // Sends the position when it differs (a NaN always does).
@@ -58,8 +54,6 @@ public:
     // The metadata's response; a vertical drag (0) without an image.
     int32_t getMouseResponse() override;
 
-    void onSetCenter();
-
 private:
     // The next frame, wrapping round after the last.
     void stepFrame();
@@ -68,7 +62,6 @@ private:
 
     MpGuiPin<float> pinPosition;
     MpGuiPin<int> pinPixelThreshold;
-    kx::RotaryCentre centre_;
     MpGuiPin<int> pinFrameCount;
     MpGuiPin<bool> pinPixelPulse;
     MpGuiPin<float> pinPointerX;

@@ -16,11 +16,7 @@ constexpr float kTurnsPerRadian = 0.15915494f;  // 1 / (2 pi)
 }  // namespace
 
 KX_JogShuttleImg::KX_JogShuttleImg() {
-    initializePin(pinFilename, &ImageBase::onSetFilename);
-    initializePin(pinHint);
-    initializePin(pinMenuItems);
-    initializePin(pinMenuSelection);
-    initializePin(pinMouseDown);
+    initializeImagePins();
     initializePin(pinHold);
     initializePin(pinValue, &KX_JogShuttleImg::onSetValue);
     initializePin(pinMinimum, &KX_JogShuttleImg::onSetMinMax);
@@ -28,9 +24,9 @@ KX_JogShuttleImg::KX_JogShuttleImg() {
     initializePin(pinTurns, &KX_JogShuttleImg::onSetTurns);
     initializePin(pinUnlimited, &KX_JogShuttleImg::onSetUnlimited);
     initializePin(pinAlphaThreshold);
-    initializePin(centre_.offsetX, &KX_JogShuttleImg::onSetCenter);
-    initializePin(centre_.offsetY, &KX_JogShuttleImg::onSetCenter);
-    initializePin(centre_.show, &KX_JogShuttleImg::onSetCenter);
+    initializePin(pinCentreX, &RotaryImageBase::onSetCenter);
+    initializePin(pinCentreY, &RotaryImageBase::onSetCenter);
+    initializePin(pinShowCentre, &RotaryImageBase::onSetCenter);
     initializePin(pinFrameCount);
     initializePin(pinTurnStep);
 }
@@ -80,18 +76,6 @@ void KX_JogShuttleImg::onSetTurns() {
 // Takes effect with the next value: a value outside the range stays until something changes it.
 void KX_JogShuttleImg::onSetUnlimited() { unlimited_ = pinUnlimited; }
 
-void KX_JogShuttleImg::onSetCenter() {
-    centre_.update();
-    invalidateRect();
-}
-
-int32_t KX_JogShuttleImg::measure(GmpiDrawing_API::MP1_SIZE, GmpiDrawing_API::MP1_SIZE* returnDesiredSize) {
-    if (!returnDesiredSize)
-        return gmpi::MP_FAIL;
-    *returnDesiredSize = desiredSize();
-    return gmpi::MP_OK;
-}
-
 int32_t KX_JogShuttleImg::hitTest(MP1_POINT point) {
     const ImageMetadata* m = getMetadata();
     if (!m || !bitmap_)
@@ -109,7 +93,7 @@ int32_t KX_JogShuttleImg::hitTest(MP1_POINT point) {
 }
 
 float KX_JogShuttleImg::pointerAngle(MP1_POINT point) const {
-    const GmpiDrawing::Point c = centre_.at(layoutSize());
+    const GmpiDrawing::Point c = rotaryCentre();
     return std::atan2(point.y - c.y, point.x - c.x) + kPi;
 }
 
@@ -160,13 +144,6 @@ int32_t KX_JogShuttleImg::onPointerUp(int32_t, MP1_POINT) {
     pinTurnStep = 0.0f;
     pinMouseDown = false;
     return gmpi::MP_OK;
-}
-
-int32_t KX_JogShuttleImg::OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) {
-    const int32_t result = ImageBase::OnRender(drawingContext);
-    GmpiDrawing::Graphics g(drawingContext);
-    centre_.draw(g, layoutSize());
-    return result;
 }
 
 namespace {

@@ -4,8 +4,7 @@
 // size of each step goes out in turns, for modules that want the motion rather than the value.
 #pragma once
 
-#include "ImageBase.h"
-#include "widgets/RotaryCentre.h"
+#include "widgets/RotaryImageBase.h"
 
 namespace kx::jog {
 enum Pin : int {
@@ -30,17 +29,15 @@ enum Pin : int {
 };
 }  // namespace kx::jog
 
-class KX_JogShuttleImg : public ImageBase {
+class KX_JogShuttleImg : public RotaryImageBase {
 public:
     KX_JogShuttleImg();
 
-    int32_t measure(GmpiDrawing_API::MP1_SIZE availableSize, GmpiDrawing_API::MP1_SIZE* returnDesiredSize) override;
     // A hit needs a pixel of the current frame whose alpha reaches the alpha threshold.
     int32_t hitTest(GmpiDrawing_API::MP1_POINT point) override;
     int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
     int32_t onPointerMove(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
     int32_t onPointerUp(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
-    int32_t OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) override;
 
     // The wheel's angle as a share of a turn, derived from the value: the value is the state.
     float getAnimationPos() override { return position_; }
@@ -53,7 +50,6 @@ public:
     void onSetMinMax();
     void onSetTurns();
     void onSetUnlimited();
-    void onSetCenter();
 
 private:
     // Keeps a value in the range unless unlimited.
@@ -69,7 +65,6 @@ private:
     MpGuiPin<float> pinTurns;
     MpGuiPin<bool> pinUnlimited;
     MpGuiPin<int> pinAlphaThreshold;
-    kx::RotaryCentre centre_;
     MpGuiPin<int> pinFrameCount;
     MpGuiPin<float> pinTurnStep;
 

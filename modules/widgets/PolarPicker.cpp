@@ -17,11 +17,7 @@ constexpr float kTurnsPerRadian = 0.15915494f;  // 1 / (2 pi)
 
 KX_PolarPickerImg::KX_PolarPickerImg() {
     initializePin(pinPosition, &ImageBase::calcDrawAt);
-    initializePin(pinFilename, &ImageBase::onSetFilename);
-    initializePin(pinHint);
-    initializePin(pinMenuItems);
-    initializePin(pinMenuSelection);
-    initializePin(pinMouseDown);
+    initializeImagePins();
     initializePin(pinFrameCount);
     initializePin(pinAngle, &KX_PolarPickerImg::onSetAngle);
     initializePin(pinDistance, &KX_PolarPickerImg::onSetDist);
