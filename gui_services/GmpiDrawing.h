@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cwchar>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -144,6 +145,11 @@ public:
     }
     // From 0xRRGGBB, opaque.
     static Color FromRgb(uint32_t rgb) { return FromArgb(0xFF000000u | rgb); }
+    // From the text of a colour pin: one hexadecimal number AARRGGBB as the standard unsigned conversion
+    // reads it (reading stops at the first character that is not a digit; bits above 31 are ignored).
+    static Color FromHexText(const std::wstring& text) {
+        return FromArgb(static_cast<uint32_t>(std::wcstoul(text.c_str(), nullptr, 16)));
+    }
 };
 
 // A gradient of two or more stops.
