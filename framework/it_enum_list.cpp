@@ -54,9 +54,7 @@ it_enum_list::it_enum_list(const std::wstring& list) : listText_(list) {
 }
 
 void it_enum_list::First() {
-    if (rangeMode_) {
-        id = position_ == INT_MIN ? INT_MIN : position_ - 1;
-    } else {
+    if (!rangeMode_) {
         position_ = 0;
         id = -1;
     }
@@ -66,12 +64,14 @@ void it_enum_list::First() {
 
 void it_enum_list::Next() {
     if (rangeMode_) {
-        ++index;
-        if (id == INT_MAX || id >= rangeHigh_) {
-            index = -1;  // also ends a range whose high value is INT_MAX without overflowing
+        // The value follows from the index, in 64 bits: a range may start at INT_MIN and end at INT_MAX.
+        const long long value = index == INT_MAX ? LLONG_MAX : static_cast<long long>(position_) + index + 1;
+        if (value > rangeHigh_) {
+            index = -1;
             return;
         }
-        ++id;
+        ++index;
+        id = static_cast<int>(value);
         wchar_t buffer[16];
         std::swprintf(buffer, 16, L"%d", id);
         text = buffer;
