@@ -369,7 +369,9 @@ std::string Panel::pointer(Pointer kind, int32_t flags, MP1_POINT point) {
         const MP1_POINT local{point.x - r.left, point.y - r.top};
         if (h->hasHitTest && static_cast<gmpi_gui_api::IMpGraphics2*>(h->graphics)->hitTest(local) != gmpi::MP_OK)
             continue;
-        if (send(*h) == gmpi::MP_OK)
+        // Liberal in what it accepts: some modules answer a press they take with 1, and one that took the
+        // capture has taken the press whatever it answered.
+        if (send(*h) >= gmpi::MP_OK || capture == h)
             return h->name();
     }
     return {};
