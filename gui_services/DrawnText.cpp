@@ -10,8 +10,9 @@ namespace kx {
 namespace {
 // Room beyond the width for glyphs narrower than a unit (thin spaces, marks that join the one before).
 constexpr double kSpareChars = 16;
-// No box shows more than this many characters; it bounds the cut for absurd sizes.
-constexpr double kMostChars = 1 << 20;
+// No box shows more legible characters than this (a screen full of small text holds fewer); it bounds
+// the cut for boxes of absurd size.
+constexpr double kMostChars = 1 << 15;
 }  // namespace
 
 TextAnchor anchorOf(const FontMetadata* style) {
