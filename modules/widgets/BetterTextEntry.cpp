@@ -98,6 +98,8 @@ int32_t KX_BetterTextEntry::OnRender(GmpiDrawing_API::IMpDeviceContext* drawingC
     if (styleData_ && styleData_->legacyVerticalOffset)
         r.Offset(0, static_cast<float>(styleData_->getLegacyVerticalOffset()));
 
+    // The text keeps the inset's width clear of the background's edges as well.
+    r.Deflate(std::min(kInset, r.getWidth() / 2), 0);
     const float lineHeight = styleData_ ? static_cast<float>(styleData_->fontSize) : 1.0f;
     const size_t fits = kx::charsThatFit(r.getWidth(), r.getHeight(), lineHeight, multiLine_);
     // A wrapped text flows from its start; one line shows the part its alignment puts in view.
