@@ -20,6 +20,7 @@ inline const char* const kDrawnStyles =
 
 template <class M>
 struct DrawnWidget {
+    // Style files are parsed once per process and path: this path holds these styles only.
     FakeSkinHost host{"/drawn-widgets/"};
     FakeGraphicsHost gfx{host};
     std::unique_ptr<M> module = std::make_unique<M>();

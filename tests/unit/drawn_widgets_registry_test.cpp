@@ -12,7 +12,7 @@
 // a button repeating) leave nothing behind: no timer, no text format, no host object.
 TEST(DrawnWidgets, ReleasedMidGestureTheyLeaveNothingBehind) {
     kx::ManualTimerBackend loop;
-    kxtest::FakeSkinHost host("/drawn-widgets/");
+    kxtest::FakeSkinHost host("/drawn-widgets-released/");  // no style file: every style is the default
     kxtest::FakeGraphicsHost gfx(host);
     gfx.makeTextEdits = true;
     const auto timers = TimerManager::Instance().census().registrations;
