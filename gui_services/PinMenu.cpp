@@ -42,3 +42,20 @@ int32_t writeHostString(gmpi::IMpUnknown* returnString, const std::wstring& text
 }
 
 }  // namespace kx
+
+int32_t PinMenuGfxBase::getToolTip(GmpiDrawing_API::MP1_POINT, gmpi::IString* returnString) {
+    return kx::writeHostString(returnString, toolTip_.getValue());
+}
+
+int32_t PinMenuGfxBase::getToolTip(float, float, gmpi::IMpUnknown* returnString) {
+    return kx::writeHostString(returnString, toolTip_.getValue());
+}
+
+int32_t PinMenuGfxBase::populateContextMenu(float, float, gmpi::IMpUnknown* contextMenuItemsSink) {
+    return kx::addMenuItems(contextMenuItemsSink, menuItems_.getValue());
+}
+
+int32_t PinMenuGfxBase::onContextMenu(int32_t selection) {
+    kx::pulseMenuSelection(menuChoice_, selection);
+    return gmpi::MP_OK;
+}

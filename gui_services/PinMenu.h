@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "MpGuiGfxBase.h"
 #include "MpGuiPin.h"
 #include "gmpi/IMpUnknown.h"
 #include "gmpi/IString.h"
@@ -25,3 +26,21 @@ int32_t writeHostString(gmpi::IString* returnString, const std::wstring& text);
 int32_t writeHostString(gmpi::IMpUnknown* returnString, const std::wstring& text);
 
 }  // namespace kx
+
+// A graphic module whose tool tip is a text pin and whose context menu lists an enumeration-list pin,
+// the choice going out as a pulse on an int pin. It owns the three pins; each module binds them in its
+// own pin order:
+//   initializePin(toolTip_); initializePin(menuItems_); initializePin(menuChoice_);
+class PinMenuGfxBase : public gmpi_gui::MpGuiGfxBase {
+public:
+    // The tool-tip pin's text (empty included).
+    int32_t getToolTip(GmpiDrawing_API::MP1_POINT point, gmpi::IString* returnString) override;
+    int32_t getToolTip(float x, float y, gmpi::IMpUnknown* returnString) override;
+    int32_t populateContextMenu(float x, float y, gmpi::IMpUnknown* contextMenuItemsSink) override;
+    int32_t onContextMenu(int32_t selection) override;
+
+protected:
+    StringGuiPin toolTip_;
+    StringGuiPin menuItems_;
+    MpGuiPin<int> menuChoice_;
+};

@@ -143,11 +143,7 @@ bool KX_BetterListBox::barShown() const {
 }
 
 int32_t KX_BetterListBox::measure(GmpiDrawing_API::MP1_SIZE available, GmpiDrawing_API::MP1_SIZE* desired) {
-    if (!desired)
-        return gmpi::MP_FAIL;
-    desired->width = available.width > 4.0f ? available.width : 4.0f;
-    desired->height = available.height > 4.0f ? available.height : 4.0f;
-    return gmpi::MP_OK;
+    return desiredAtLeast(available, desired, 4.0f);
 }
 
 int32_t KX_BetterListBox::arrange(GmpiDrawing_API::MP1_RECT finalRect) {

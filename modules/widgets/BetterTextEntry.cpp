@@ -5,7 +5,6 @@
 
 #include "DrawnText.h"
 #include "MpFactory.h"
-#include "PinMenu.h"
 #include "TextCodec.h"
 #include "gmpi/IMpPlatformText.h"
 
@@ -159,23 +158,6 @@ void KX_BetterTextEntry::OnTextEnteredComplete(int32_t result) {
     // Text that is not UTF-8 is refused (a range error the completion handler stops): the old text stays.
     text_ = editor.GetText();
     invalidateRect();
-}
-
-int32_t KX_BetterTextEntry::getToolTip(GmpiDrawing_API::MP1_POINT, gmpi::IString* returnString) {
-    return kx::writeHostString(returnString, toolTip_.getValue());
-}
-
-int32_t KX_BetterTextEntry::getToolTip(float, float, gmpi::IMpUnknown* returnString) {
-    return kx::writeHostString(returnString, toolTip_.getValue());
-}
-
-int32_t KX_BetterTextEntry::populateContextMenu(float, float, gmpi::IMpUnknown* contextMenuItemsSink) {
-    return kx::addMenuItems(contextMenuItemsSink, menuItems_.getValue());
-}
-
-int32_t KX_BetterTextEntry::onContextMenu(int32_t selection) {
-    kx::pulseMenuSelection(menuChoice_, selection);
-    return gmpi::MP_OK;
 }
 
 namespace {

@@ -9,6 +9,7 @@
 #include "GmpiDrawing.h"
 #include "GmpiGui.h"
 #include "MpGuiGfxBase.h"
+#include "PinMenu.h"
 
 namespace kx::textentry {
 enum Pin : int {
@@ -27,7 +28,7 @@ enum Pin : int {
 };
 }  // namespace kx::textentry
 
-class KX_BetterTextEntry : public gmpi_gui::MpGuiGfxBase, public FontCacheClient {
+class KX_BetterTextEntry : public PinMenuGfxBase, public FontCacheClient {
 public:
     // The background's inset from the area's edges (less in an area too small for it).
     static constexpr float kInset = 3.0f;
@@ -39,10 +40,6 @@ public:
     int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
     // The release of a press this module took opens the editor (when editable); -1 for any other.
     int32_t onPointerUp(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
-    int32_t getToolTip(GmpiDrawing_API::MP1_POINT point, gmpi::IString* returnString) override;
-    int32_t getToolTip(float x, float y, gmpi::IMpUnknown* returnString) override;
-    int32_t populateContextMenu(float x, float y, gmpi::IMpUnknown* contextMenuItemsSink) override;
-    int32_t onContextMenu(int32_t selection) override;
 
     void onSetStyle();
     void onSetColors();
@@ -66,9 +63,6 @@ private:
     MpGuiPin<bool> multiLine_;
     MpGuiPin<bool> editable_;
     MpGuiPin<bool> dimmed_;
-    StringGuiPin toolTip_;
-    StringGuiPin menuItems_;
-    MpGuiPin<int> menuChoice_;
     MpGuiPin<bool> pointerDown_;
 
     GmpiDrawing::TextFormat format_;

@@ -4,7 +4,6 @@
 
 #include "ModuleSupport.h"
 #include "MpFactory.h"
-#include "PinMenu.h"
 
 // ---- KX_MouseBox
 
@@ -106,23 +105,6 @@ int32_t KX_MouseBox::onPointerUp(int32_t, GmpiDrawing_API::MP1_POINT) {
     moveFractionYPin_ = angleChangePin_.getValue();
     moveFractionXPin_ = moveFractionYPin_.getValue();
     releaseCapture();
-    return gmpi::MP_OK;
-}
-
-int32_t KX_MouseBox::getToolTip(GmpiDrawing_API::MP1_POINT, gmpi::IString* returnString) {
-    return kx::writeHostString(returnString, toolTip_.getValue());
-}
-
-int32_t KX_MouseBox::getToolTip(float, float, gmpi::IMpUnknown* returnString) {
-    return kx::writeHostString(returnString, toolTip_.getValue());
-}
-
-int32_t KX_MouseBox::populateContextMenu(float, float, gmpi::IMpUnknown* contextMenuItemsSink) {
-    return kx::addMenuItems(contextMenuItemsSink, menuItems_.getValue());
-}
-
-int32_t KX_MouseBox::onContextMenu(int32_t selection) {
-    kx::pulseMenuSelection(menuChoice_, selection);
     return gmpi::MP_OK;
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "MpGuiGfxBase.h"
+#include "PinMenu.h"
 
 namespace kx::mousebox {
 enum Pin : int {
@@ -42,7 +43,7 @@ enum Pin : int {
 };
 }  // namespace kx::hoverbox
 
-class KX_MouseBox : public gmpi_gui::MpGuiGfxBase {
+class KX_MouseBox : public PinMenuGfxBase {
 public:
     KX_MouseBox();
 
@@ -53,10 +54,6 @@ public:
     // -1 unless this module holds the pointer: nothing is reported while no button is down.
     int32_t onPointerMove(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
     int32_t onPointerUp(int32_t flags, GmpiDrawing_API::MP1_POINT point) override;
-    int32_t getToolTip(GmpiDrawing_API::MP1_POINT point, gmpi::IString* returnString) override;
-    int32_t getToolTip(float x, float y, gmpi::IMpUnknown* returnString) override;
-    int32_t populateContextMenu(float x, float y, gmpi::IMpUnknown* contextMenuItemsSink) override;
-    int32_t onContextMenu(int32_t selection) override;
 
 private:
     // Flips the point as the flip pin asks, then derives the fractions and the angle.
@@ -66,9 +63,6 @@ private:
     void updatePins();
 
     MpGuiPin<int> flip_;
-    StringGuiPin toolTip_;
-    StringGuiPin menuItems_;
-    MpGuiPin<int> menuChoice_;
     MpGuiPin<bool> pointerDown_;
     MpGuiPin<int> widthPin_, heightPin_;
     MpGuiPin<int> xPin_, yPin_;
