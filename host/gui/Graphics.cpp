@@ -213,7 +213,15 @@ int32_t GraphicsHost::createFileDialog(int32_t dialogType, gmpi::IMpUnknown** re
 int32_t GraphicsHost::createPlatformTextEdit(const MP1_RECT* r, gmpi::IMpUnknown** returnTextEdit) {
     if (!returnTextEdit)
         return gmpi::MP_FAIL;
-    *returnTextEdit = new TextEdit(panel_, r ? *r : MP1_RECT{0, 0, 0, 0});
+    // The module gives a rectangle of its own area; the editor lies over it on the panel.
+    MP1_RECT onPanel = r ? *r : MP1_RECT{0, 0, 0, 0};
+    if (rect) {
+        onPanel.left += rect->left;
+        onPanel.right += rect->left;
+        onPanel.top += rect->top;
+        onPanel.bottom += rect->top;
+    }
+    *returnTextEdit = new TextEdit(panel_, onPanel);
     return gmpi::MP_OK;
 }
 
