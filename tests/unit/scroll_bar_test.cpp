@@ -72,6 +72,13 @@ TEST_F(ScrollBar, WithEverythingVisibleNothingMovesAndTheThumbFillsTheTrack) {
     w.release();
     EXPECT_TRUE(w.sent(S::Position).empty());
     EXPECT_EQ(w.module->position(), 0);
+
+    // Nothing at all: the thumb still fills the track, and a press beside nothing pages nowhere.
+    w.set(S::Total, 0);
+    w.set(S::Visible, 0);
+    EXPECT_EQ(w.module->geometry().thumbLength, 200);
+    w.press({8, 199});
+    EXPECT_TRUE(w.sent(S::Position).empty());
 }
 
 TEST_F(ScrollBar, AClickBesideTheThumbPagesAndADragFollowsThePointer) {
