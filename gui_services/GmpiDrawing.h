@@ -145,11 +145,10 @@ public:
     }
     // From 0xRRGGBB, opaque.
     static Color FromRgb(uint32_t rgb) { return FromArgb(0xFF000000u | rgb); }
-    // From the text of a colour pin: one hexadecimal number AARRGGBB as the standard unsigned conversion
-    // reads it (reading stops at the first character that is not a digit; bits above 31 are ignored).
-    static Color FromHexText(const std::wstring& text) {
-        return FromArgb(static_cast<uint32_t>(std::wcstoul(text.c_str(), nullptr, 16)));
-    }
+    // From the hexadecimal AARRGGBB text a colour pin carries, read as the C library's wcstoul reads base
+    // 16 (leading space, a sign and "0x" allowed; reading stops at the first other character), so text
+    // that is not hexadecimal gives transparent black.
+    static Color FromArgbText(const std::wstring& text);
 };
 
 // A gradient of two or more stops.

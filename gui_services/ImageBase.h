@@ -67,7 +67,4 @@ protected:
     MpGuiPin<bool> pinMouseDown;
     // Keeps a click control down after the pointer is released (a latching button).
     MpGuiPin<bool> pinHold;
-
-private:
-    int32_t writeToolTip(gmpi::IString* returnString);
 };
