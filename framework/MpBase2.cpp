@@ -112,9 +112,9 @@ int32_t MpPluginBase::setHost(gmpi::IMpUnknown* hostObject) {
 }
 
 void MpPluginBase::onGraphStart() {
-    for (auto& [index, pin] : pins)
-        if (pin->getDirection() == MP_OUT)
-            pin->sendFirstUpdate();
+    for (const Slot& slot : pins)
+        if (slot.pin->getDirection() == MP_OUT)
+            slot.pin->sendFirstUpdate();
 }
 
 int32_t MpPluginBase::sendPinValue(int pinId, int position, int size, const void* data) {
@@ -134,12 +134,13 @@ void MpPluginBase::initializePin(int index, MpPinBase& pin, MpBaseMemberPtr hand
     if (!handler && pin.getDirection() == MP_IN)
         handler = pin.getDefaultEventHandler();
     pin.bind(index, this, handler);
-    pins.emplace(index, &pin);
-}
-
-MpPinBase* MpPluginBase::getPin(int index) const {
-    const auto it = pins.find(index);
-    return it == pins.end() ? nullptr : it->second;
+    // Room for a typical module's pins at once, instead of growing one pin at a time.
+    if (pins.empty())
+        pins.reserve(8);
+    auto at = std::lower_bound(pins.begin(), pins.end(), index, [](const Slot& s, int i) { return s.index < i; });
+    if (at != pins.end() && at->index == index)
+        return;
+    pins.insert(at, Slot{index, &pin});
 }
 
 // ---- MpBase2

@@ -2,8 +2,8 @@
 // over a table of pins bound by index, event routing by time stamp, and sleep while nothing streams.
 #pragma once
 
-#include <map>
 #include <type_traits>
+#include <vector>
 
 #include "HostBoundary.h"
 #include "MpCountedPtr.h"
@@ -63,7 +63,12 @@ public:
     void raiseSleepCount(int atLeast) { sleepCount = sleepCount < atLeast ? atLeast : sleepCount; }
 
     // The pin bound to index, or null.
-    MpPinBase* getPin(int index) const;
+    MpPinBase* getPin(int index) const {
+        for (const Slot& slot : pins)
+            if (slot.index >= index)
+                return slot.index == index ? slot.pin : nullptr;
+        return nullptr;
+    }
 
 protected:
     // Binding, from the constructor only. The index-less forms take the next index after the highest
@@ -76,11 +81,17 @@ protected:
     void initializePin(MpPinBase& pin, void (M::*handler)(const gmpi::MpEvent*)) {
         initializePin(nextPinIndex(), pin, static_cast<MpBaseMemberPtr>(handler));
     }
-    int nextPinIndex() const { return pins.empty() ? 0 : pins.rbegin()->first + 1; }
+    int nextPinIndex() const { return pins.empty() ? 0 : pins.back().index + 1; }
 
     gmpi_sdk::mp_shared_ptr<gmpi::IMpAudioHost> host;
     gmpi::IMpProcessorHost* processorHost = nullptr;  // not counted: the host outlives its modules
-    std::map<int32_t, MpPinBase*> pins;
+    struct Slot {
+        int32_t index;
+        MpPinBase* pin;
+    };
+    // Sorted by index. Modules have few pins, and every event looks its pin up three times: a small
+    // vector scanned in order beats a tree.
+    std::vector<Slot> pins;
     int32_t blockPosition = 0;
     int32_t sleepCount = 0;
     int32_t streamingPins = 0;

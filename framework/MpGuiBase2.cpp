@@ -5,35 +5,16 @@
 // ---- GuiPinOwner
 
 void GuiPinOwner::addPin(int index, MpGuiPinBase& pin) {
+    // Room for a typical module's pins at once, instead of growing one pin at a time.
+    if (slots_.empty())
+        slots_.reserve(8);
     auto it = std::lower_bound(slots_.begin(), slots_.end(), index, [](const Slot& s, int i) { return s.index < i; });
     if (it != slots_.end() && it->index == index)
         return;
     slots_.insert(it, Slot{index, &pin});
 }
 
-MpGuiPinBase* GuiPinOwner::getPin(int index) const {
-    auto it = std::lower_bound(slots_.begin(), slots_.end(), index, [](const Slot& s, int i) { return s.index < i; });
-    return it != slots_.end() && it->index == index ? it->pin : nullptr;
-}
-
 int GuiPinOwner::nextPinIndex() const { return slots_.empty() ? 0 : slots_.back().index + 1; }
-
-int32_t GuiPinOwner::setPin(int index, int voice, int size, const void* data) {
-    MpGuiPinBase* pin = getPin(index);
-    if (!pin)
-        return gmpi::MP_FAIL;
-    pin->set(voice, size, data);
-    return gmpi::MP_OK;
-}
-
-int32_t GuiPinOwner::notifyPin(int index, int voice) {
-    MpGuiPinBase* pin = getPin(index);
-    if (!pin)
-        return gmpi::MP_FAIL;
-    if (IGuiPinCallbackImpl* callback = pin->getCallback())
-        (*callback)(voice);
-    return gmpi::MP_OK;
-}
 
 // ---- MpGuiBase2
 

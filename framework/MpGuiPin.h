@@ -54,11 +54,16 @@ public:
 
     // Inserts the pin unless the index is taken (the first pin bound to an index keeps it).
     void addPin(int index, MpGuiPinBase& pin);
-    MpGuiPinBase* getPin(int index) const;
+    MpGuiPinBase* getPin(int index) const {
+        for (const Slot& slot : slots_)
+            if (slot.index >= index)
+                return slot.index == index ? slot.pin : nullptr;
+        return nullptr;
+    }
     // Stores a value without running the handler. 0, or -1 for an unbound index.
-    int32_t setPin(int index, int voice, int size, const void* data);
+    inline int32_t setPin(int index, int voice, int size, const void* data);
     // Runs the pin's handler, if it has one. 0, or -1 for an unbound index.
-    int32_t notifyPin(int index, int voice);
+    inline int32_t notifyPin(int index, int voice);
     // Sends a pin value to the host.
     virtual int32_t pinTransmit(int index, int size, const void* data, int voice) = 0;
     // One more than the highest bound index, or 0.
@@ -69,7 +74,7 @@ private:
         int index;
         MpGuiPinBase* pin;
     };
-    // Modules have few pins: a small vector sorted by index beats a tree for look-ups.
+    // Modules have few pins: a small vector sorted by index, scanned in order, beats a tree for look-ups.
     std::vector<Slot> slots_;
 };
 
@@ -103,9 +108,11 @@ public:
 
 protected:
     // Sends the current value to the owner's host (voice 0). Nothing when unbound.
-    void transmit() {
+    void transmit() { transmit(rawSize(), rawData()); }
+    // The same for a pin class that knows its own rawSize() and rawData() without asking.
+    void transmit(int size, const void* data) {
         if (owner_)
-            owner_->pinTransmit(id_, rawSize(), rawData(), 0);
+            owner_->pinTransmit(id_, size, data, 0);
     }
 
 private:
@@ -113,6 +120,23 @@ private:
     GuiPinOwner* owner_ = nullptr;
     std::unique_ptr<IGuiPinCallbackImpl> callback_;
 };
+
+inline int32_t GuiPinOwner::setPin(int index, int voice, int size, const void* data) {
+    MpGuiPinBase* pin = getPin(index);
+    if (!pin)
+        return gmpi::MP_FAIL;
+    pin->set(voice, size, data);
+    return gmpi::MP_OK;
+}
+
+inline int32_t GuiPinOwner::notifyPin(int index, int voice) {
+    MpGuiPinBase* pin = getPin(index);
+    if (!pin)
+        return gmpi::MP_FAIL;
+    if (IGuiPinCallbackImpl* callback = pin->getCallback())
+        (*callback)(voice);
+    return gmpi::MP_OK;
+}
 
 namespace kx::detail {
 
@@ -147,7 +171,7 @@ public:
     MpGuiPin& operator=(T newValue) {
         if (!(newValue == value)) {
             value = newValue;
-            transmit();
+            transmit(4, &value);
         }
         return *this;
     }
@@ -183,7 +207,7 @@ public:
     MpGuiPin& operator=(bool newValue) {
         if (newValue != value) {
             value = newValue;
-            transmit();
+            transmit(1, &value);
         }
         return *this;
     }
