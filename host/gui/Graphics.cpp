@@ -48,7 +48,8 @@ public:
         object_->answered(answer);
         handler_->OnComplete(answer ? gmpi::MP_OK : gmpi::MP_FAIL);
     }
-    std::string describe() const override { return object_->describe(); }
+    std::string describe() const override { return object_->owner() + ": " + object_->describe(); }
+    const std::string& owner() const override { return object_->owner(); }
 
 private:
     Object* object_;
@@ -57,8 +58,11 @@ private:
 
 class FileDialog final : public CountedObject<gmpi_gui::IMpPlatformFileDialog> {
 public:
-    FileDialog(Panel& panel, int32_t type)
-        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG), panel_(panel), type_(type) {}
+    FileDialog(Panel& panel, int32_t type, std::string owner)
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG),
+          panel_(panel),
+          type_(type),
+          owner_(std::move(owner)) {}
     int32_t AddExtension(const char* extension, const char*) override {
         extensions_.push_back(extension ? extension : "");
         return gmpi::MP_OK;
@@ -83,6 +87,7 @@ public:
     }
 
     void answered(const ScriptedAnswer& a) { selected_ = a.value_or(""); }
+    const std::string& owner() const { return owner_; }
     std::string describe() const {
         std::string exts;
         for (const auto& e : extensions_)
@@ -94,14 +99,18 @@ public:
 private:
     Panel& panel_;
     int32_t type_;
+    std::string owner_;
     std::vector<std::string> extensions_;
     std::string initialName_, initialFolder_, selected_;
 };
 
 class TextEdit final : public CountedObject<gmpi_gui::IMpPlatformText> {
 public:
-    TextEdit(Panel& panel, MP1_RECT rect)
-        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT), panel_(panel), rect_(rect) {}
+    TextEdit(Panel& panel, MP1_RECT rect, std::string owner)
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT),
+          panel_(panel),
+          rect_(rect),
+          owner_(std::move(owner)) {}
     int32_t SetText(const char* text) override {
         text_ = text ? text : "";
         return gmpi::MP_OK;
@@ -130,6 +139,7 @@ public:
         if (a)
             text_ = *a;
     }
+    const std::string& owner() const { return owner_; }
     std::string describe() const {
         std::ostringstream s;
         s << "text editor '" << text_ << "' at (" << rect_.left << "," << rect_.top << "," << rect_.right << ","
@@ -140,6 +150,7 @@ public:
 private:
     Panel& panel_;
     MP1_RECT rect_;
+    std::string owner_;
     std::string text_;
     int32_t alignment_ = 0;
     float size_ = 0;
@@ -194,14 +205,14 @@ int32_t GraphicsHost::releaseCapture() {
 int32_t GraphicsHost::createFileDialog(int32_t dialogType, gmpi::IMpUnknown** returnFileDialog) {
     if (!returnFileDialog)
         return gmpi::MP_FAIL;
-    *returnFileDialog = new FileDialog(panel_, dialogType);
+    *returnFileDialog = new FileDialog(panel_, dialogType, name_);
     return gmpi::MP_OK;
 }
 
 int32_t GraphicsHost::createPlatformTextEdit(const MP1_RECT* r, gmpi::IMpUnknown** returnTextEdit) {
     if (!returnTextEdit)
         return gmpi::MP_FAIL;
-    *returnTextEdit = new TextEdit(panel_, r ? *r : MP1_RECT{0, 0, 0, 0});
+    *returnTextEdit = new TextEdit(panel_, r ? *r : MP1_RECT{0, 0, 0, 0}, name_);
     return gmpi::MP_OK;
 }
 
@@ -219,8 +230,8 @@ Panel::~Panel() { releaseModules(); }
 
 void Panel::releaseModules() {
     // Requests still open hold module objects; they go without a call back.
-    openFile_.clear();
-    openText_.clear();
+    openFile_.reset();
+    openText_.reset();
     due_.clear();
     capture = nullptr;
     for (auto& h : hosts_) {
@@ -230,8 +241,30 @@ void Panel::releaseModules() {
     }
 }
 
+void Panel::releaseInstance(const std::string& name) {
+    for (auto* open : {&openFile_, &openText_})
+        if (*open && (*open)->owner() == name)
+            open->reset();
+    std::erase_if(due_, [&](const auto& d) { return d.first->owner() == name; });
+    GraphicsHost* h = host(name);
+    if (!h)
+        return;
+    if (capture == h)
+        capture = nullptr;
+    if (h->graphics)
+        h->graphics->release();
+    h->graphics = nullptr;
+    h->hasHitTest = false;
+    h->rect.reset();
+    requestLayout();
+}
+
 GraphicsHost& Panel::addInstance(const std::string& name) {
+    // An instance created again keeps its graphics host.
+    if (GraphicsHost* known = host(name))
+        return *known;
     hosts_.push_back(std::make_unique<GraphicsHost>(*this, name));
+    requestLayout();
     return *hosts_.back();
 }
 
@@ -358,38 +391,47 @@ std::string Panel::pointer(Pointer kind, int32_t flags, MP1_POINT point) {
 }
 
 void Panel::shown(bool fileDialog, std::shared_ptr<PendingRequest> request) {
+    auto& open = fileDialog ? openFile_ : openText_;
+    if (open) {
+        // As on a real host: the newer replaces the older, which is cancelled.
+        trace("closed by a newer one: " + open->describe());
+        due_.emplace_back(std::move(open), std::nullopt);
+        open.reset();
+    }
     auto& answers = fileDialog ? fileAnswers_ : textAnswers_;
-    if (!answers.empty()) {
+    const auto it = std::find_if(answers.begin(), answers.end(), [&](const QueuedAnswer& a) {
+        return a.instance.empty() || a.instance == request->owner();
+    });
+    if (it != answers.end()) {
         trace("shown: " + request->describe());
         // Completed once the module's own call has returned, as a real dialog would.
-        due_.emplace_back(std::move(request), answers.front());
-        answers.pop_front();
+        due_.emplace_back(std::move(request), it->answer);
+        answers.erase(it);
         return;
     }
     trace("shown, waiting for an answer: " + request->describe());
-    (fileDialog ? openFile_ : openText_).push_back(std::move(request));
+    open = std::move(request);
 }
 
-void Panel::answer(bool fileDialog, const ScriptedAnswer& a) {
+void Panel::answer(bool fileDialog, const std::string& instance, const ScriptedAnswer& a) {
     auto& open = fileDialog ? openFile_ : openText_;
-    if (open.empty()) {
-        (fileDialog ? fileAnswers_ : textAnswers_).push_back(a);
+    if (!open || (!instance.empty() && open->owner() != instance)) {
+        (fileDialog ? fileAnswers_ : textAnswers_).push_back({instance, a});
         return;
     }
-    auto request = open.front();
-    open.pop_front();
-    due_.emplace_back(std::move(request), a);
+    due_.emplace_back(std::move(open), a);
+    open.reset();
     runCompletions();
 }
 
-void Panel::answerFileDialog(const ScriptedAnswer& a) { answer(true, a); }
-void Panel::answerTextEdit(const ScriptedAnswer& a) { answer(false, a); }
+void Panel::answerFileDialog(const std::string& instance, const ScriptedAnswer& a) { answer(true, instance, a); }
+void Panel::answerTextEdit(const std::string& instance, const ScriptedAnswer& a) { answer(false, instance, a); }
 
 void Panel::runCompletions() {
     while (!due_.empty()) {
         auto [request, a] = due_.front();
         due_.erase(due_.begin());
-        trace(a ? "answered '" + *a + "'" : std::string("cancelled"));
+        trace(request->owner() + ": " + (a ? "answered '" + *a + "'" : std::string("cancelled")));
         request->complete(a);
     }
 }

@@ -1,5 +1,6 @@
 // A graphic module for testing the renderer with a real skin: one frame of a skin image at the top-left
-// corner and, below it, a text in a named style of the skin's style file.
+// corner and, below it, a text in a named style of the skin's style file. Its text is also its tool tip,
+// and it offers a context menu from an enumeration list, whose choice comes back as a pulse.
 #include "FontCache.h"
 #include "ImageBase.h"
 #include "MpFactory.h"
@@ -12,6 +13,8 @@ public:
         initializePin(pinFilename, &ImageBase::onSetFilename);
         initializePin(text, &T_SkinText::onSetText);
         initializePin(style, &T_SkinText::onSetText);
+        initializePin(pinMenuItems);
+        initializePin(pinMenuSelection);
     }
 
     float getAnimationPos() override { return position; }
