@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 
 namespace kxhost {
 
@@ -264,12 +263,17 @@ void AudioEngine::deliverMessages(Slot& slot) {
 
 void AudioEngine::processSlot(Slot& slot, int32_t count) {
     // Events due in this block are taken (in the order they were sent); later ones keep waiting.
+    // Done in place, without allocating in the audio loop.
     const int64_t blockEnd = blockStart_ + count;
     slot.current.clear();
-    auto later = std::stable_partition(slot.pending.begin(), slot.pending.end(),
-                                       [&](const Pending& p) { return p.at < blockEnd; });
-    std::move(slot.pending.begin(), later, std::back_inserter(slot.current));
-    slot.pending.erase(slot.pending.begin(), later);
+    size_t kept = 0;
+    for (size_t i = 0; i < slot.pending.size(); ++i) {
+        if (slot.pending[i].at < blockEnd)
+            slot.current.push_back(std::move(slot.pending[i]));
+        else if (kept++ != i)
+            slot.pending[kept - 1] = std::move(slot.pending[i]);
+    }
+    slot.pending.resize(kept);
     if (!slot.plugin) {
         slot.current.clear();
         return;

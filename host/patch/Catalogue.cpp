@@ -37,7 +37,7 @@ std::optional<SideInfo> resizedSide(const SideInfo& described, int count) {
     for (int copy = 1; have + copy <= count; ++copy) {
         PinInfo pin = described.pins.back();
         pin.index += copy;
-        pin.name += " " + std::to_string(copy + 1);
+        pin.name.append(1, ' ').append(std::to_string(copy + 1));
         side.pins.push_back(std::move(pin));
     }
     return side;

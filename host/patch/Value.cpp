@@ -68,14 +68,14 @@ Value Value::ofBool(bool v) {
 Value Value::ofText(std::wstring v) {
     Value r(Datatype::Text);
     if (!v.empty())
-        r.text_ = std::make_shared<const std::wstring>(std::move(v));
+        r.text_ = std::make_shared<std::wstring>(std::move(v));
     return r;
 }
 
 Value Value::ofBlob(Bytes v, Datatype type) {
     Value r(type);
     if (!v.empty())
-        r.blob_ = std::make_shared<const Bytes>(std::move(v));
+        r.blob_ = std::make_shared<Bytes>(std::move(v));
     return r;
 }
 
@@ -122,8 +122,25 @@ int32_t Value::size() const {
     return 0;
 }
 
-std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data) {
+bool Value::decodable(Datatype type, int32_t size, const void* data) {
     if (size < 0 || (size > 0 && data == nullptr))
+        return false;
+    switch (kindOf(type)) {
+        case Kind::Int:
+        case Kind::Float:
+            return size == 4;
+        case Kind::Bool:
+            return size == 1 || size == 4;
+        case Kind::Text:
+            return size % 4 == 0;
+        case Kind::Bytes:
+            return true;
+    }
+    return false;
+}
+
+std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data, Value&& previous) {
+    if (!decodable(type, size, data))
         return std::nullopt;
     const auto* p = static_cast<const uint8_t*>(data);
     switch (kindOf(type)) {
@@ -155,19 +172,28 @@ std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data
             if (size % 4 != 0)
                 return std::nullopt;
             const size_t count = static_cast<size_t>(size) / 4;
-            std::wstring text;
+            if (count == 0)
+                return ofText({});
+            Value r(type);
+            r.text_ = previous.text_.use_count() == 1 ? std::move(previous.text_) : std::make_shared<std::wstring>();
             // One pass over the bytes: text in a module's own string is aligned; anything else is copied
             // after the room is made.
             if (reinterpret_cast<uintptr_t>(p) % alignof(wchar_t) == 0) {
-                text.assign(reinterpret_cast<const wchar_t*>(p), count);
-            } else if (count > 0) {
-                text.resize(count);
-                std::memcpy(text.data(), p, static_cast<size_t>(size));
+                r.text_->assign(reinterpret_cast<const wchar_t*>(p), count);
+            } else {
+                r.text_->resize(count);
+                std::memcpy(r.text_->data(), p, static_cast<size_t>(size));
             }
-            return ofText(std::move(text));
+            return r;
         }
-        case Kind::Bytes:
-            return ofBlob(Bytes(p, p + size), type);
+        case Kind::Bytes: {
+            if (size == 0)
+                return ofBlob({}, type);
+            Value r(type);
+            r.blob_ = previous.blob_.use_count() == 1 ? std::move(previous.blob_) : std::make_shared<Bytes>();
+            r.blob_->assign(p, p + size);
+            return r;
+        }
     }
     return std::nullopt;
 }

@@ -37,8 +37,11 @@ public:
 
     // Reads what a module sent (one copy of text and blob contents). A size the datatype cannot hold (an
     // int of 3 bytes, text of 6 bytes, a negative size, null data with a size) gives nullopt: such a
-    // transmission is refused, not guessed at.
-    static std::optional<Value> decode(Datatype type, int32_t size, const void* data);
+    // transmission is refused, not guessed at. previous is a value about to be dropped: when nothing else
+    // shares its contents, the new ones are written into its room instead of fresh memory.
+    static std::optional<Value> decode(Datatype type, int32_t size, const void* data, Value&& previous = Value());
+    // Whether decode would take these bytes.
+    static bool decodable(Datatype type, int32_t size, const void* data);
 
     Datatype type() const { return type_; }
     // The field of the value's datatype is the value; the others stay at zero.
@@ -65,8 +68,9 @@ private:
     int32_t int_ = 0;
     float float_ = 0.0f;
     uint8_t bool_ = 0;  // the one byte a bool pin receives
-    std::shared_ptr<const std::wstring> text_;
-    std::shared_ptr<const Bytes> blob_;
+    // Never changed once shared; written only while this value is their one owner (decode).
+    std::shared_ptr<std::wstring> text_;
+    std::shared_ptr<Bytes> blob_;
 };
 
 // Quotes text for a patch file or a trace: "a \"b\"\n".

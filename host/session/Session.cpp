@@ -428,9 +428,7 @@ int32_t Session::transmit(Instance& from, Side side, int32_t pinId, int32_t size
     }
     if (cutting_ || closing_)
         return gmpi::MP_FAIL;
-    // The one copy the host makes: echo, parameters, wires and the record all share it.
-    const auto value = Value::decode(info->type, size, data);
-    if (!value) {
+    if (!Value::decodable(info->type, size, data)) {
         warn(patch_.label(ref) + " transmitted " + std::to_string(size) + " bytes" +
              (data ? "" : " from a null address") + ", which is no " + datatypeName(info->type) + " value; refused");
         return gmpi::MP_FAIL;
@@ -438,13 +436,17 @@ int32_t Session::transmit(Instance& from, Side side, int32_t pinId, int32_t size
     if (depth_ >= patch_.options.depth) {
         cutting_ = true;
         fail(current_, "feedback loop: transmissions nested deeper than " + std::to_string(patch_.options.depth) +
-                           "; cut at " + patch_.label(ref) + " -> " + value->format());
+                           "; cut at " + patch_.label(ref) + " -> " + Value::decode(info->type, size, data)->format());
         return gmpi::MP_FAIL;
     }
+    // The one copy the host makes: echo, parameters, wires and the record all share it. The pin's old
+    // value makes room for it when nothing else holds it, so a large text is neither held twice nor
+    // written into fresh memory every time.
+    PinState& st = state(ref);
+    const auto value = Value::decode(info->type, size, data, std::exchange(st.value, Value(info->type)));
     if (tracing())
         trace(patch_.label(ref) + " -> " + value->format() + (at ? " at " + std::to_string(*at) : ""));
     ++depth_;
-    PinState& st = state(ref);
     st.value = *value;
     ++st.sent;
     if (at)

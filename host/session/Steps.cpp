@@ -122,13 +122,14 @@ Action compileExpect(Parser& p, const Line& line) {
                                  (at >= 0 ? " at " + std::to_string(at) : "");
     return [t, v, tolerance, at, expected, where](Session& s) {
         const Value now = current(s, t);
-        const auto sentAt = t.pin ? s.sentAt(*t.pin) : std::nullopt;
+        // -1: the pin has not transmitted from a run.
+        const int64_t sentAt = t.pin ? s.sentAt(*t.pin).value_or(-1) : -1;
         const bool held = (tolerance > 0.0f ? std::fabs(now.asFloat() - v.asFloat()) <= tolerance : now == v) &&
                           (at < 0 || sentAt == at);
-        const std::string is = now.format() + (at >= 0 && sentAt ? " at " + std::to_string(*sentAt) : "");
+        const std::string is = now.format() + (at >= 0 && sentAt >= 0 ? " at " + std::to_string(sentAt) : "");
         if (!held)
             s.fail(where, "expectation failed: " + t.label + " is " + is +
-                              (at >= 0 && !sentAt ? " (not sent from a run)" : "") + ", expected " + expected);
+                              (at >= 0 && sentAt < 0 ? " (not sent from a run)" : "") + ", expected " + expected);
         else
             s.trace("ok " + t.label + " = " + is);
     };
