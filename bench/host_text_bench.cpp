@@ -18,6 +18,7 @@
 #include <string>
 
 #include "QuietHost.h"
+#include "SampleText.h"
 #include "TextCodec.h"
 #include "convert/TextFiles.h"
 #include "patch/Catalogue.h"
@@ -26,8 +27,6 @@
 #include "session/Session.h"
 
 namespace {
-
-constexpr size_t kFileBytes = 64u << 20;
 
 // Two sample files in a folder of their own, removed at exit; the folder's name is kept in plain storage
 // so that removing it does not depend on the order in which static objects are destroyed.
@@ -46,13 +45,7 @@ const Samples& samples() {
             std::abort();
         std::snprintf(sampleFolder, sizeof sampleFolder, "%s", pattern.c_str());
         std::atexit(removeSamples);
-        const std::string line =
-            "The quick brown fox jumps over the lazy dog; caf\xC3\xA9 \xE2\x82\xAC 12.50 \xF0\x9F\x8E\xB5\n";
-        std::string text;
-        text.reserve(kFileBytes + line.size());
-        while (text.size() < kFileBytes)
-            text += line;
-        text.resize(kFileBytes - (kFileBytes % line.size()));
+        std::string text = sampleText();
         Samples s;
         for (int i = 0; i < 2; ++i) {
             text[0] = i ? 'B' : 'A';  // the two texts differ, so each load sends
@@ -68,7 +61,7 @@ const Samples& samples() {
 }
 
 void report(benchmark::State& state) {
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(kFileBytes));
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(kSampleTextBytes));
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     const double peakMb = static_cast<double>(usage.ru_maxrss) / 1024.0;  // kilobytes on Linux
@@ -78,12 +71,9 @@ void report(benchmark::State& state) {
     state.counters["peak_per_text"] = peakMb / wideMb;
 }
 
-// Baseline: the loader alone, its text sent to a host that does nothing with it.
-void LoaderAlone(benchmark::State& state) {
+// Loads the two samples in turn, a new file name each round, with the loader in automatic mode.
+void loadInTurns(benchmark::State& state, KX_StringLoader& loader) {
     const Samples& s = samples();
-    QuietHost host(5);
-    KX_StringLoader loader;
-    loader.setHost(&host);
     const bool on = true;
     loader.setPin(kx::textfile::Automatic, 0, 1, &on);
     loader.notifyPin(kx::textfile::Automatic, 0);
@@ -94,69 +84,34 @@ void LoaderAlone(benchmark::State& state) {
         loader.notifyPin(kx::textfile::FileNameL, 0);
         benchmark::DoNotOptimize(loader.text.value.data());
     }
-    if (loader.text.value.size() != s.characters)
+}
+
+// Baseline: the loader alone, its text sent to a host that does nothing with it.
+void LoaderAlone(benchmark::State& state) {
+    QuietHost host(kx::textfile::PinCount);
+    KX_StringLoader loader;
+    loader.setHost(&host);
+    loadInTurns(state, loader);
+    if (loader.text.value.size() != samples().characters)
         state.SkipWithError("the loader did not read the sample");
     report(state);
 }
 
-// Forwards what the loader sends on its text pin straight into the saver's text pin: the least any host
-// carrying the wire must do.
-class WireHost final : public gmpi::IMpUserInterfaceHost2 {
-public:
-    explicit WireHost(KX_StringSaver& to) : to_(to) {}
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        *out = nullptr;
-        if (iid == gmpi::MP_IID_UI_HOST2 || gmpi::isUnknownIid(iid)) {
-            *out = this;
-            return gmpi::MP_OK;
-        }
-        return gmpi::MP_NOSUPPORT;
-    }
-    int32_t addRef() override { return 1; }
-    int32_t release() override { return 1; }
-    int32_t pinTransmit(int32_t pin, int32_t size, const void* data, int32_t) override {
-        if (pin == kx::textfile::Text && to_.setPin(kx::textfile::Text, 0, size, data) == gmpi::MP_OK)
-            to_.notifyPin(kx::textfile::Text, 0);
-        return gmpi::MP_OK;
-    }
-    int32_t sendMessageToAudio(int32_t, int32_t, const void*) override { return gmpi::MP_OK; }
-    int32_t resolveResource(const char*, const char*, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
-    int32_t openResource(const char*, gmpi::IMpUnknown**) override { return gmpi::MP_FAIL; }
-    int32_t getHandle(int32_t& h) override {
-        h = 0;
-        return gmpi::MP_OK;
-    }
-    int32_t getPinCount(int32_t& count) override {
-        count = kx::textfile::PinCount;
-        return gmpi::MP_OK;
-    }
-    int32_t reserved1() override { return gmpi::MP_NOSUPPORT; }
-    int32_t reserved2() override { return gmpi::MP_NOSUPPORT; }
-
-private:
-    KX_StringSaver& to_;
-};
-
-// Baseline of the wired case: the loader's text handed straight into a saver.
+// Baseline of the wired case: the loader's text handed straight into a saver's text pin by a host that
+// does nothing else.
 void LoaderToSaverDirect(benchmark::State& state) {
-    const Samples& s = samples();
+    QuietHost saverHost(kx::textfile::PinCount);
     KX_StringSaver saver;
-    QuietHost saverHost(5);
     saver.setHost(&saverHost);
-    WireHost host(saver);
+    QuietHost host(kx::textfile::PinCount);
+    host.onTransmit = [&saver](int32_t pin, int32_t size, const void* data) {
+        if (pin == kx::textfile::Text && saver.setPin(kx::textfile::Text, 0, size, data) == gmpi::MP_OK)
+            saver.notifyPin(kx::textfile::Text, 0);
+    };
     KX_StringLoader loader;
     loader.setHost(&host);
-    const bool on = true;
-    loader.setPin(kx::textfile::Automatic, 0, 1, &on);
-    loader.notifyPin(kx::textfile::Automatic, 0);
-    int round = 0;
-    for (auto _ : state) {
-        const std::wstring name = kx::fromUtf8(s.files[round++ % 2].string());
-        loader.setPin(kx::textfile::FileNameL, 0, static_cast<int32_t>(name.size() * sizeof(wchar_t)), name.data());
-        loader.notifyPin(kx::textfile::FileNameL, 0);
-        benchmark::DoNotOptimize(saver.text.value.data());
-    }
-    if (saver.text.value.size() != s.characters)
+    loadInTurns(state, loader);
+    if (saver.text.value.size() != samples().characters)
         state.SkipWithError("the saver did not receive the sample");
     report(state);
 }

@@ -80,25 +80,43 @@ gmpi::IMpUserInterface2B* guiOf(Session& s, const std::string& name, const Locat
     return inst->gui;
 }
 
+// "STEP INSTANCE X Y": what the menu and tool-tip steps ask, and of whom.
+struct Asked {
+    std::string step;
+    std::string name;
+    float x, y;
+    Location where;
+
+    // The instance's GUI half now, or null (after a failure naming the step).
+    gmpi::IMpUserInterface2B* gui(Session& s) const { return guiOf(s, name, where, step.c_str()); }
+};
+
+// Compiles "STEP INSTANCE X Y" into an action that runs ask with the instance's GUI half, when it exists.
+template <class Ask>
+Action compileAsk(Parser& p, const Line& line, Ask ask) {
+    const std::string step = line.tokens[0].raw;
+    p.arity(line, 4, 4, (step + " INSTANCE X Y").c_str());
+    const Asked a{step, guiInstance(p, line, line.tokens[1]), coordinate(p, line, line.tokens[2]),
+                  coordinate(p, line, line.tokens[3]), line.where};
+    return [a, ask](Session& s) {
+        if (auto* gui = a.gui(s))
+            ask(s, *gui, a.name, a.x, a.y);
+    };
+}
+
 // menu INSTANCE X Y
 Action compileMenu(Parser& p, const Line& line) {
-    p.arity(line, 4, 4, "menu INSTANCE X Y");
-    const std::string name = guiInstance(p, line, line.tokens[1]);
-    const float x = coordinate(p, line, line.tokens[2]), y = coordinate(p, line, line.tokens[3]);
-    const Location where = line.where;
-    return [=](Session& s) {
-        auto* gui = guiOf(s, name, where, "menu");
-        if (!gui)
-            return;
-        auto* sink = new MenuSink;
-        const int32_t rc = gui->populateContextMenu(x, y, sink);
-        Menu menu{name, rc == gmpi::MP_OK ? sink->items() : std::vector<MenuSink::Item>{}};
-        sink->release();
-        s.trace("menu " + name + " at " + point(x, y) + ": " + (rc == gmpi::MP_OK ? listed(menu.items) : "(none)"));
-        auto* state = s.extension<MenuState>();
-        state->menus[name] = menu;
-        state->lastMenu = std::move(menu);
-    };
+    return compileAsk(
+        p, line, [](Session& s, gmpi::IMpUserInterface2B& gui, const std::string& name, float x, float y) {
+            auto* sink = new MenuSink;
+            const int32_t rc = gui.populateContextMenu(x, y, sink);
+            Menu menu{name, rc == gmpi::MP_OK ? sink->items() : std::vector<MenuSink::Item>{}};
+            sink->release();
+            s.trace("menu " + name + " at " + point(x, y) + ": " + (rc == gmpi::MP_OK ? listed(menu.items) : "(none)"));
+            auto* state = s.extension<MenuState>();
+            state->menus[name] = menu;
+            state->lastMenu = std::move(menu);
+        });
 }
 
 // expect-menu ["ITEM" ...]
@@ -179,31 +197,25 @@ Action compileMenuPick(Parser& p, const Line& line) {
 // tooltip INSTANCE X Y: the graphics face's tool tip when the module has the second version of it, else
 // the GUI half's own.
 Action compileTooltip(Parser& p, const Line& line) {
-    p.arity(line, 4, 4, "tooltip INSTANCE X Y");
-    const std::string name = guiInstance(p, line, line.tokens[1]);
-    const float x = coordinate(p, line, line.tokens[2]), y = coordinate(p, line, line.tokens[3]);
-    const Location where = line.where;
-    return [=](Session& s) {
-        auto* gui = guiOf(s, name, where, "tooltip");
-        if (!gui)
-            return;
-        auto* text = new ReturnString;
-        int32_t rc = gmpi::MP_FAIL;
-        void* face = nullptr;
-        if (gui->queryInterface(gmpi_gui_api::SE_IID_GRAPHICS_MPGUI2, &face) == gmpi::MP_OK && face) {
-            auto* graphics = static_cast<gmpi_gui_api::IMpGraphics2*>(face);
-            rc = graphics->getToolTip({x, y}, text);
-            graphics->release();
-        } else {
-            rc = gui->getToolTip(x, y, static_cast<gmpi::IString*>(text));
-        }
-        std::optional<std::string> tip;
-        if (rc == gmpi::MP_OK)
-            tip = text->text();
-        text->release();
-        s.trace("tooltip " + name + " at " + point(x, y) + ": " + (tip ? kxhost::quoted(*tip) : "(none)"));
-        s.extension<MenuState>()->lastTip = tip;
-    };
+    return compileAsk(
+        p, line, [](Session& s, gmpi::IMpUserInterface2B& gui, const std::string& name, float x, float y) {
+            auto* text = new ReturnString;
+            int32_t rc = gmpi::MP_FAIL;
+            void* face = nullptr;
+            if (gui.queryInterface(gmpi_gui_api::SE_IID_GRAPHICS_MPGUI2, &face) == gmpi::MP_OK && face) {
+                auto* graphics = static_cast<gmpi_gui_api::IMpGraphics2*>(face);
+                rc = graphics->getToolTip({x, y}, text);
+                graphics->release();
+            } else {
+                rc = gui.getToolTip(x, y, static_cast<gmpi::IString*>(text));
+            }
+            std::optional<std::string> tip;
+            if (rc == gmpi::MP_OK)
+                tip = text->text();
+            text->release();
+            s.trace("tooltip " + name + " at " + point(x, y) + ": " + (tip ? kxhost::quoted(*tip) : "(none)"));
+            s.extension<MenuState>()->lastTip = tip;
+        });
 }
 
 // expect-tooltip "TEXT" | expect-tooltip none
