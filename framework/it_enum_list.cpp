@@ -54,27 +54,34 @@ it_enum_list::it_enum_list(const std::wstring& list) : listText_(list) {
 }
 
 void it_enum_list::First() {
-    if (rangeMode_) {
-        id = position_ == INT_MIN ? INT_MIN : position_ - 1;
-    } else {
-        position_ = 0;
-        id = -1;
-    }
     index = -1;
+    if (rangeMode_) {
+        stepRange(position_);
+        return;
+    }
+    position_ = 0;
+    id = -1;
     Next();
+}
+
+void it_enum_list::stepRange(long long next) {
+    ++index;
+    // Past the largest int there is no next value to show: the end stays on the last one.
+    if (next > INT_MAX) {
+        index = -1;
+        return;
+    }
+    id = static_cast<int>(next);
+    wchar_t buffer[16];
+    std::swprintf(buffer, 16, L"%d", id);
+    text = buffer;
+    if (id > rangeHigh_)
+        index = -1;
 }
 
 void it_enum_list::Next() {
     if (rangeMode_) {
-        ++index;
-        if (id == INT_MAX || id >= rangeHigh_) {
-            index = -1;  // also ends a range whose high value is INT_MAX without overflowing
-            return;
-        }
-        ++id;
-        wchar_t buffer[16];
-        std::swprintf(buffer, 16, L"%d", id);
-        text = buffer;
+        stepRange(static_cast<long long>(id) + 1);
         return;
     }
 

@@ -38,6 +38,10 @@ public:
     std::wstring text;
 
 private:
+    // Range mode: the item with value next, or the end when next lies past the last value. The end
+    // keeps that value and its text, as callers that read them after the loop expect.
+    void stepRange(long long next);
+
     std::wstring listText_;
     bool rangeMode_ = false;
     int position_ = 0;  // list mode: where the next item begins; range mode: the first value

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <sstream>
+#include <utility>
 
 #include "gmpi/IMpCompletionHandler.h"
 #include "gmpi/IString.h"
@@ -48,8 +49,9 @@ public:
         object_->answered(answer);
         handler_->OnComplete(answer ? gmpi::MP_OK : gmpi::MP_FAIL);
     }
-    std::string describe() const override { return object_->owner() + ": " + object_->describe(); }
+    std::string describe() const override { return object_->describe() + " of " + object_->owner(); }
     const std::string& owner() const override { return object_->owner(); }
+    std::variant<FileDialogRequest, TextEditRequest> details() const override { return object_->request(); }
 
 private:
     Object* object_;
@@ -59,20 +61,19 @@ private:
 class FileDialog final : public CountedObject<gmpi_gui::IMpPlatformFileDialog> {
 public:
     FileDialog(Panel& panel, int32_t type, std::string owner)
-        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG),
-          panel_(panel),
-          type_(type),
-          owner_(std::move(owner)) {}
-    int32_t AddExtension(const char* extension, const char*) override {
-        extensions_.push_back(extension ? extension : "");
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG), panel_(panel), owner_(std::move(owner)) {
+        request_.save = type == gmpi_gui::MP_PLATFORM_FILE_SAVE;
+    }
+    int32_t AddExtension(const char* extension, const char* description) override {
+        request_.filters.push_back({extension ? extension : "", description ? description : ""});
         return gmpi::MP_OK;
     }
     int32_t SetInitialFilename(const char* text) override {
-        initialName_ = text ? text : "";
+        request_.initialName = text ? text : "";
         return gmpi::MP_OK;
     }
     int32_t setInitialDirectory(const char* text) override {
-        initialFolder_ = text ? text : "";
+        request_.initialFolder = text ? text : "";
         return gmpi::MP_OK;
     }
     int32_t ShowAsync(gmpi::IMpUnknown* handler) override {
@@ -88,35 +89,34 @@ public:
 
     void answered(const ScriptedAnswer& a) { selected_ = a.value_or(""); }
     const std::string& owner() const { return owner_; }
+    const FileDialogRequest& request() const { return request_; }
     std::string describe() const {
         std::string exts;
-        for (const auto& e : extensions_)
-            exts += (exts.empty() ? "" : ",") + e;
-        return std::string(type_ == gmpi_gui::MP_PLATFORM_FILE_SAVE ? "save" : "open") + " dialog [" + exts +
-               "] initial '" + initialName_ + "' in '" + initialFolder_ + "'";
+        for (const auto& f : request_.filters)
+            exts += (exts.empty() ? "" : ",") + f.extension;
+        return std::string(request_.save ? "save" : "open") + " dialog [" + exts + "] initial '" +
+               request_.initialName + "' in '" + request_.initialFolder + "'";
     }
 
 private:
     Panel& panel_;
-    int32_t type_;
     std::string owner_;
-    std::vector<std::string> extensions_;
-    std::string initialName_, initialFolder_, selected_;
+    FileDialogRequest request_;
+    std::string selected_;
 };
 
 class TextEdit final : public CountedObject<gmpi_gui::IMpPlatformText> {
 public:
     TextEdit(Panel& panel, MP1_RECT rect, std::string owner)
-        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT),
-          panel_(panel),
-          rect_(rect),
-          owner_(std::move(owner)) {}
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT), panel_(panel), owner_(std::move(owner)) {
+        request_.rect = rect;
+    }
     int32_t SetText(const char* text) override {
-        text_ = text ? text : "";
+        request_.text = text ? text : "";
         return gmpi::MP_OK;
     }
     int32_t GetText(gmpi::IMpUnknown* returnString) override {
-        return writeString(returnString, text_) ? gmpi::MP_OK : gmpi::MP_FAIL;
+        return writeString(returnString, request_.text) ? gmpi::MP_OK : gmpi::MP_FAIL;
     }
     int32_t ShowAsync(gmpi::IMpUnknown* handler) override {
         auto* h = completionHandler(handler);
@@ -126,34 +126,33 @@ public:
         return gmpi::MP_OK;
     }
     int32_t SetAlignment(int32_t alignment) override {
-        alignment_ = alignment;
+        request_.alignment = alignment;
         return gmpi::MP_OK;
     }
     int32_t SetTextSize(float height) override {
-        size_ = height;
+        request_.textSize = height;
         return gmpi::MP_OK;
     }
 
     // A cancelled edit leaves the text as it was set.
     void answered(const ScriptedAnswer& a) {
         if (a)
-            text_ = *a;
+            request_.text = *a;
     }
     const std::string& owner() const { return owner_; }
+    const TextEditRequest& request() const { return request_; }
     std::string describe() const {
+        const MP1_RECT& r = request_.rect;
         std::ostringstream s;
-        s << "text editor '" << text_ << "' at (" << rect_.left << "," << rect_.top << "," << rect_.right << ","
-          << rect_.bottom << ") size " << size_ << " alignment 0x" << std::hex << alignment_;
+        s << "text editor '" << request_.text << "' at (" << r.left << "," << r.top << "," << r.right << "," << r.bottom
+          << ") size " << request_.textSize << " alignment 0x" << std::hex << request_.alignment;
         return s.str();
     }
 
 private:
     Panel& panel_;
-    MP1_RECT rect_;
     std::string owner_;
-    std::string text_;
-    int32_t alignment_ = 0;
-    float size_ = 0;
+    TextEditRequest request_;
 };
 
 }  // namespace
@@ -182,9 +181,17 @@ int32_t GraphicsHost::getLayoutRect(MP1_RECT& returnRect) {
     return gmpi::MP_OK;
 }
 
-void GraphicsHost::invalidateRect(const MP1_RECT*) { ++invalidations; }
+void GraphicsHost::invalidateRect(const MP1_RECT*) {
+    ++invalidations;
+    if (panel_.repaintNeeded)
+        panel_.repaintNeeded();
+}
 
-void GraphicsHost::invalidateMeasure() { panel_.requestLayout(); }
+void GraphicsHost::invalidateMeasure() {
+    panel_.requestLayout();
+    if (panel_.repaintNeeded)
+        panel_.repaintNeeded();
+}
 
 int32_t GraphicsHost::setCapture() {
     panel_.capture = this;
@@ -230,8 +237,8 @@ Panel::~Panel() { releaseModules(); }
 
 void Panel::releaseModules() {
     // Requests still open hold module objects; they go without a call back.
-    openFile_.reset();
-    openText_.reset();
+    for (auto* open : {&openFile_, &openText_})
+        withdraw(std::exchange(*open, nullptr));
     due_.clear();
     capture = nullptr;
     for (auto& h : hosts_) {
@@ -244,7 +251,7 @@ void Panel::releaseModules() {
 void Panel::releaseInstance(const std::string& name) {
     for (auto* open : {&openFile_, &openText_})
         if (*open && (*open)->owner() == name)
-            open->reset();
+            withdraw(std::exchange(*open, nullptr));
     std::erase_if(due_, [&](const auto& d) { return d.first->owner() == name; });
     GraphicsHost* h = host(name);
     if (!h)
@@ -300,6 +307,17 @@ void Panel::layout(bool force) {
     }
 }
 
+MP1_SIZE Panel::size() {
+    layout();
+    if (decl_.size)
+        return *decl_.size;
+    MP1_SIZE size{1, 1};
+    for (auto& h : hosts_)
+        if (h->rect && h->graphics)
+            size = {std::max(size.width, h->rect->right), std::max(size.height, h->rect->bottom)};
+    return size;
+}
+
 cairo_surface_t* Panel::render(const std::string& instance) {
     layout();
     auto paint = [&](cairo_t* cr, GraphicsHost& h, double originX, double originY) {
@@ -331,14 +349,7 @@ cairo_surface_t* Panel::render(const std::string& instance) {
         return s;
     }
 
-    MP1_SIZE size{1, 1};
-    if (decl_.size) {
-        size = *decl_.size;
-    } else {
-        for (auto& h : hosts_)
-            if (h->rect && h->graphics)
-                size = {std::max(size.width, h->rect->right), std::max(size.height, h->rect->bottom)};
-    }
+    const MP1_SIZE size = this->size();
     cairo_surface_t* s =
         cairo_image_surface_create(CAIRO_FORMAT_ARGB32, std::max(1, static_cast<int>(std::ceil(size.width))),
                                    std::max(1, static_cast<int>(std::ceil(size.height))));
@@ -395,8 +406,8 @@ void Panel::shown(bool fileDialog, std::shared_ptr<PendingRequest> request) {
     if (open) {
         // As on a real host: the newer replaces the older, which is cancelled.
         trace("closed by a newer one: " + open->describe());
-        due_.emplace_back(std::move(open), std::nullopt);
-        open.reset();
+        withdraw(open);
+        due_.emplace_back(std::exchange(open, nullptr), std::nullopt);
     }
     auto& answers = fileDialog ? fileAnswers_ : textAnswers_;
     const auto it = std::find_if(answers.begin(), answers.end(), [&](const QueuedAnswer& a) {
@@ -410,7 +421,9 @@ void Panel::shown(bool fileDialog, std::shared_ptr<PendingRequest> request) {
         return;
     }
     trace("shown, waiting for an answer: " + request->describe());
-    open = std::move(request);
+    open = request;
+    if (presenter_)
+        presenter_->present(request);
 }
 
 void Panel::answer(bool fileDialog, const std::string& instance, const ScriptedAnswer& a) {
@@ -419,9 +432,24 @@ void Panel::answer(bool fileDialog, const std::string& instance, const ScriptedA
         (fileDialog ? fileAnswers_ : textAnswers_).push_back({instance, a});
         return;
     }
-    due_.emplace_back(std::move(open), a);
-    open.reset();
+    withdraw(open);
+    due_.emplace_back(std::exchange(open, nullptr), a);
     runCompletions();
+}
+
+void Panel::complete(const PendingRequest& request, const ScriptedAnswer& a) {
+    for (auto* open : {&openFile_, &openText_}) {
+        if (open->get() != &request)
+            continue;
+        due_.emplace_back(std::exchange(*open, nullptr), a);
+        runCompletions();
+        return;
+    }
+}
+
+void Panel::withdraw(const std::shared_ptr<PendingRequest>& request) {
+    if (request && presenter_)
+        presenter_->withdraw(*request);
 }
 
 void Panel::answerFileDialog(const std::string& instance, const ScriptedAnswer& a) { answer(true, instance, a); }
@@ -431,7 +459,7 @@ void Panel::runCompletions() {
     while (!due_.empty()) {
         auto [request, a] = due_.front();
         due_.erase(due_.begin());
-        trace(request->owner() + ": " + (a ? "answered '" + *a + "'" : std::string("cancelled")));
+        trace(a ? "answered '" + *a + "'" : std::string("cancelled"));
         request->complete(a);
     }
 }

@@ -17,6 +17,7 @@
 #include "gui/Graphics.h"
 #include "patch/Registry.h"
 #include "render/Png.h"
+#include "session/PanelSide.h"
 #include "session/Session.h"
 
 namespace kxhost {
@@ -105,8 +106,10 @@ private:
 };
 
 Panel& panelOf(Session& s) {
-    // Made by the first created instance or at start, before any step runs.
-    return *s.extension<GraphicsExtension>()->panel;
+    Panel* panel = findPanel(s);
+    if (!panel)
+        throw HostError("the panel is not set up");  // made at start at the latest, which steps never precede
+    return *panel;
 }
 
 // panel W H [#RRGGBB | #AARRGGBB]
@@ -320,6 +323,20 @@ Action compileExpectInvalidated(Parser& p, const Line& line) {
 
 Action compileFileAnswer(Parser& p, const Line& line) { return compileAnswer(p, line, true); }
 Action compileTextAnswer(Parser& p, const Line& line) { return compileAnswer(p, line, false); }
+
+}  // namespace
+
+Panel* findPanel(Session& s) {
+    auto* e = s.extension<GraphicsExtension>();
+    return e ? e->panel.get() : nullptr;
+}
+
+bool hasPanel(const Patch& patch) {
+    const PanelDecl& decl = panelDecl(patch);
+    return decl.size || !decl.placements.empty();
+}
+
+namespace {
 
 const bool registered =
     Extensions::add([] { return std::make_unique<GraphicsExtension>(); }) && Directives::add("panel", panelDirective) &&

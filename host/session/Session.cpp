@@ -69,17 +69,17 @@ private:
 Instance::Instance(Session& s, const InstanceDecl& d, int32_t h)
     : session(s), decl(d), handle(h), guiHost_(std::make_unique<InstanceHost>(*this, offered_)) {}
 
-Instance::~Instance() { releaseHalves(); }
+Instance::~Instance() { release(); }
 
-void Instance::releaseHalves() {
-    if (gui)
-        gui->release();
-    if (dsp)
-        dsp->release();
-    gui = nullptr;
-    dsp = nullptr;
+int Instance::release() {
     created = false;
     guiReady = false;
+    int kept = 0;
+    for (gmpi::IMpUnknown* half :
+         {static_cast<gmpi::IMpUnknown*>(std::exchange(gui, nullptr)), std::exchange(dsp, nullptr)})
+        if (half && half->release() != 0)
+            ++kept;
+    return kept;
 }
 
 // ---- Session
@@ -101,19 +101,29 @@ Session::Session(Bundle& bundle, const Patch& patch, std::ostream& out, std::ost
         extensions_.push_back(make());
 }
 
-Session::~Session() {
-    closing_ = true;
-    for (auto& e : extensions_)
-        e->finishing(*this);
+Session::~Session() { close(); }
+
+int Session::close() {
+    if (!closing_) {
+        closing_ = true;
+        for (auto& e : extensions_)
+            e->finishing(*this);
+    }
     // Modules go first (in reverse creation order), while the host objects they hold still exist.
-    while (!instances_.empty())
+    int kept = 0;
+    while (!instances_.empty()) {
+        kept += instances_.back()->release();
         instances_.pop_back();
+    }
+    // The modules are gone: nothing writes into the temporary folder any more.
     if (!tempFolder_.empty()) {
         std::error_code ec;
         if (!previousFolder_.empty())
             std::filesystem::current_path(previousFolder_, ec);
         std::filesystem::remove_all(tempFolder_, ec);
+        tempFolder_.clear();
     }
+    return kept;
 }
 
 Instance* Session::instance(const std::string& name) {
@@ -163,7 +173,7 @@ void Session::makeHalves(Instance& inst) {
         try {
             inst.dsp = createHalf(bundle_, decl, Side::Dsp);
         } catch (...) {
-            inst.releaseHalves();
+            inst.release();
             throw;
         }
     }
@@ -272,7 +282,7 @@ void Session::release(Instance& inst) {
     for (auto& e : extensions_)
         e->instanceReleasing(*this, inst);
     std::erase_if(pending_, [&](const Pending& p) { return p.pin.instance == inst.name(); });
-    inst.releaseHalves();
+    inst.release();
 }
 
 bool Session::runScenario() {

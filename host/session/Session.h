@@ -36,8 +36,9 @@ public:
     const ModuleInfo& module() const { return *decl.module; }
     // The pins of a side as this instance has them ("pins N" changes the GUI side's).
     const SideInfo* side(Side s) const { return decl.side(s); }
-    // Releases both halves (the GUI half first).
-    void releaseHalves();
+    // Releases both halves (the GUI half first); the number whose release left a reference (answered a
+    // count above 0).
+    int release();
 
     // Extra interfaces the GUI half's host object answers in queryInterface, beyond the GUI host faces.
     // The face must outlive the instance's modules (extensions keep them in their own state).
@@ -65,6 +66,9 @@ public:
     bool runScenario();
     // start() and runScenario(), then a summary line.
     bool run();
+    // Tells the extensions the session is finishing and releases every module, last created first (the
+    // destructor does so too). The number of module halves whose release left a reference.
+    int close();
 
     // ---- for steps
     // A value from outside (the scenario): into the pin, or, when the pin is bound to a parameter,
@@ -142,7 +146,9 @@ public:
     // Where files a run writes (snapshots) go: kxhost's --out folder; empty without one, and then
     // snapshots are rendered but not written.
     const std::filesystem::path& outputDir() const { return outputDir_; }
-    void setOutputDir(const std::filesystem::path& dir) { outputDir_ = std::filesystem::absolute(dir); }
+    void setOutputDir(const std::filesystem::path& dir) {
+        outputDir_ = dir.empty() ? dir : std::filesystem::absolute(dir);
+    }
     // Where the step or start-up phase being run comes from.
     const Location& current() const { return current_; }
 
