@@ -26,6 +26,9 @@ public:
     bool FindValue(int value);
     // True when the item at the current position is a menu divider ("----", "<<<<", ">>>>", "||||").
     bool IsSeparator() const;
+    // True for a "range LOW,HIGH" list: item i is LOW + i, labelled with its value, so callers can reach
+    // any item without walking the ones before it.
+    bool IsRange() const { return rangeMode_; }
 
     static bool IsValidValue(const std::wstring& list, int value);
     // value when the list holds it; otherwise the first item's value, or 0 for a list without items.

@@ -1,41 +1,25 @@
 #include "ImageBase.h"
 
+#include "PinMenu.h"
 #include "TextCodec.h"
-#include "gmpi/IMpContextItemSink.h"
-#include "it_enum_list.h"
 
 int32_t ImageBase::populateContextMenu(float, float, gmpi::IMpUnknown* contextMenuItemsSink) {
-    auto sink = gmpi_sdk::queryAs<gmpi::IMpContextItemSink>(contextMenuItemsSink, gmpi::MP_IID_CONTEXT_ITEMS_SINK);
-    if (!sink)
-        return gmpi::MP_FAIL;
-    it_enum_list it(pinMenuItems.getValue());
-    for (it.First(); !it.IsDone(); it.Next())
-        sink->AddItem(kx::toUtf8(it.CurrentItem()->text).c_str(), it.CurrentItem()->id, 0);
-    return gmpi::MP_OK;
+    return kx::addMenuItems(contextMenuItemsSink, pinMenuItems.getValue());
 }
 
 int32_t ImageBase::onContextMenu(int32_t selection) {
-    pinMenuSelection = selection;
-    pinMenuSelection = -1;
-    return gmpi::MP_OK;
-}
-
-int32_t ImageBase::writeToolTip(gmpi::IString* returnString) {
-    const std::wstring hint = getHint();
-    if (!returnString || hint.empty())
-        return gmpi::MP_FAIL;
-    const std::string utf8 = kx::toUtf8(hint);
-    returnString->setData(utf8.data(), static_cast<int32_t>(utf8.size()));
+    kx::pulseMenuSelection(pinMenuSelection, selection);
     return gmpi::MP_OK;
 }
 
 int32_t ImageBase::getToolTip(float, float, gmpi::IMpUnknown* returnString) {
-    auto s = gmpi_sdk::queryAs<gmpi::IString>(returnString, gmpi::MP_IID_RETURNSTRING);
-    return writeToolTip(s.get());
+    const std::wstring hint = getHint();
+    return hint.empty() ? gmpi::MP_FAIL : kx::writeHostString(returnString, hint);
 }
 
 int32_t ImageBase::getToolTip(GmpiDrawing_API::MP1_POINT, gmpi::IString* returnString) {
-    return writeToolTip(returnString);
+    const std::wstring hint = getHint();
+    return hint.empty() ? gmpi::MP_FAIL : kx::writeHostString(returnString, hint);
 }
 
 int32_t ImageBase::OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) {

@@ -219,7 +219,15 @@ int32_t GraphicsHost::createFileDialog(int32_t dialogType, gmpi::IMpUnknown** re
 int32_t GraphicsHost::createPlatformTextEdit(const MP1_RECT* r, gmpi::IMpUnknown** returnTextEdit) {
     if (!returnTextEdit)
         return gmpi::MP_FAIL;
-    *returnTextEdit = new TextEdit(panel_, r ? *r : MP1_RECT{0, 0, 0, 0}, name_);
+    // The module gives a rectangle of its own area; the editor lies over it on the panel.
+    MP1_RECT onPanel = r ? *r : MP1_RECT{0, 0, 0, 0};
+    if (rect) {
+        onPanel.left += rect->left;
+        onPanel.right += rect->left;
+        onPanel.top += rect->top;
+        onPanel.bottom += rect->top;
+    }
+    *returnTextEdit = new TextEdit(panel_, onPanel, name_);
     return gmpi::MP_OK;
 }
 
@@ -395,7 +403,9 @@ std::string Panel::pointer(Pointer kind, int32_t flags, MP1_POINT point) {
         const MP1_POINT local{point.x - r.left, point.y - r.top};
         if (h->hasHitTest && static_cast<gmpi_gui_api::IMpGraphics2*>(h->graphics)->hitTest(local) != gmpi::MP_OK)
             continue;
-        if (send(*h) == gmpi::MP_OK)
+        // Liberal in what it accepts: some modules answer a press they take with 1, and one that took the
+        // capture has taken the press whatever it answered.
+        if (send(*h) >= gmpi::MP_OK || capture == h)
             return h->name();
     }
     return {};

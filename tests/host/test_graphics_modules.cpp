@@ -149,8 +149,11 @@ public:
 
     int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT) override {
         gmpi::IMpUnknown* made = nullptr;
+        // Over the module's own area, in its own coordinates.
+        const auto r = getRect();
+        const GmpiDrawing_API::MP1_RECT area{0, 0, r.right - r.left, r.bottom - r.top};
         if (!(flags & gmpi_gui_api::GG_POINTER_FLAG_FIRSTBUTTON) || !getGuiHost() ||
-            getGuiHost()->createPlatformTextEdit(&getRect(), &made) != gmpi::MP_OK)
+            getGuiHost()->createPlatformTextEdit(&area, &made) != gmpi::MP_OK)
             return gmpi::MP_OK;
         editor_ = GmpiGui::TextEdit(made);
         editor_.SetText(kx::toUtf8(text.getValue()));

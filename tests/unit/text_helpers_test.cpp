@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <stdexcept>
 
@@ -125,6 +126,9 @@ TEST(EnumList, SizeQuirksOfTrailingCommasAndReversedRanges) {
     EXPECT_EQ(items(L"range 5"), (std::vector<Item>{{0, 5, L"5"}}));
     EXPECT_EQ(items(L"Range 1,2").size(), 2u);  // case matters: a two-item list, not a range
     EXPECT_EQ(items(L"range 2147483646,2147483647").size(), 2u);
+    // The range's ends are both items, at the extremes too.
+    EXPECT_EQ(items(L"range -2147483648,-2147483647"),
+              (std::vector<Item>{{0, INT_MIN, L"-2147483648"}, {1, INT_MIN + 1, L"-2147483647"}}));
 }
 
 // Callers that read id and text after the loop see the step past the end: the value after the last one,
