@@ -120,8 +120,10 @@ constexpr int kMaxFirings = 1'000'000;
 
 // Timers are the timeout sources of the thread-default context. They are found by source id (ids only
 // grow; a probe source attached and destroyed at once gives the next one), parked with a ready time of
-// -1 so that real time never fires them, and fired one due time after the other by making them ready
-// and running one iteration of the context.
+// -1 while a wait runs, so that real time never fires them, and fired one due time after the other by
+// making them ready and running one iteration of the context. Between waits each is left due in real
+// time after what remains of its virtual period, so a loop that runs meanwhile (a live window) keeps
+// them going.
 struct VirtualClock::Impl {
     struct Timer {
         GSource* source;  // one reference of ours
@@ -135,12 +137,8 @@ struct VirtualClock::Impl {
     std::vector<Timer> timers;
 
     ~Impl() {
-        // Timers still there go back to real time, one period from now.
-        for (auto& t : timers) {
-            if (!g_source_is_destroyed(t.source))
-                g_source_set_ready_time(t.source, g_get_monotonic_time() + t.period * 1000);
+        for (auto& t : timers)
             g_source_unref(t.source);
-        }
         g_main_context_unref(context);
     }
 
@@ -165,6 +163,9 @@ struct VirtualClock::Impl {
     }
 
     void scan() {
+        for (auto& t : timers)
+            if (!g_source_is_destroyed(t.source))
+                g_source_set_ready_time(t.source, -1);
         const guint top = nextId();
         for (guint id = scanned + 1; id < top; ++id) {
             GSource* source = g_main_context_find_source_by_id(context, id);
@@ -215,6 +216,10 @@ struct VirtualClock::Impl {
                     g_source_set_ready_time(source, -1);
         }
         now = end;
+        scan();
+        const int64_t real = g_get_monotonic_time();
+        for (auto& t : timers)
+            g_source_set_ready_time(t.source, real + (t.due - now) * 1000);
     }
 };
 

@@ -20,8 +20,9 @@ bool canCount();
 
 // Time on the run loop that passes only when asked: wait(ms) runs every timer that falls due within the
 // span, at its due time and in due order, without waiting in real time. A timer made at virtual time t
-// with period p fires at t + p, t + 2p, ...; a period of 0 counts as 1 ms. Timers stay parked between
-// waits, so they never fire in real time while the clock exists. Modules that read the system clock
+// with period p fires at t + p, t + 2p, ...; a period of 0 counts as 1 ms. Between waits a timer is due
+// in real time after what remains of its virtual period (a loop that runs meanwhile, as a live window's
+// does, keeps it going); the next wait takes it back to virtual time. Modules that read the system clock
 // themselves still see real time.
 class VirtualClock {
 public:
