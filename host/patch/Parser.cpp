@@ -88,6 +88,16 @@ std::string readQuoted(const std::string& s, size_t& i, const Location& where) {
     throw errorAt(where, "quoted text is not closed");
 }
 
+// "#RRGGBB" or "#AARRGGBB" standing alone is a colour, not a comment: a panel line reads as people write
+// it. Any other '#' outside quotes starts a comment.
+bool isColourWord(const std::string& s, size_t at) {
+    size_t end = at + 1;
+    while (end < s.size() && std::isxdigit(static_cast<unsigned char>(s[end])))
+        ++end;
+    const size_t digits = end - at - 1;
+    return (digits == 6 || digits == 8) && (end == s.size() || std::isspace(static_cast<unsigned char>(s[end])));
+}
+
 }  // namespace
 
 std::vector<Token> tokenize(const std::string& s, const Location& where) {
@@ -98,7 +108,7 @@ std::vector<Token> tokenize(const std::string& s, const Location& where) {
             ++i;
             continue;
         }
-        if (s[i] == '#')
+        if (s[i] == '#' && !isColourWord(s, i))
             break;
         Token t;
         const size_t start = i;

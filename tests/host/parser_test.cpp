@@ -155,3 +155,13 @@ TEST(PatchParser, OrderAndPlacesAreCheckedBeforeAnythingRuns) {
     EXPECT_EQ(errorOf(twoAdders + "scenario\nmenu a x 1"), "p.kxp:4: x is not a float");
     EXPECT_EQ(errorOf(twoAdders + "scenario\nfile-dialog c answer \"x\""), "p.kxp:4: no instance named 'c'");
 }
+
+TEST(PatchTokens, ABareColourIsAWordAndAnyOtherHashAComment) {
+    const auto colour = tokenize("panel 160 110 #303038   # the background", {"f", 1});
+    ASSERT_EQ(colour.size(), 4u);
+    EXPECT_EQ(colour[3].text, "#303038");
+    EXPECT_EQ(tokenize("panel 1 1 #FF303038", {"f", 1}).size(), 4u);
+    EXPECT_EQ(tokenize("panel 1 1 #30303", {"f", 1}).size(), 3u) << "five digits are a comment";
+    EXPECT_EQ(tokenize("panel 1 1 #303038x", {"f", 1}).size(), 3u);
+    EXPECT_EQ(tokenize("#abcdef", {"f", 1}).size(), 1u);
+}
