@@ -20,13 +20,11 @@
 #include <array>
 #include <cstring>
 #include <deque>
-#include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "AllocationCounter.h"
+#include "Descriptions.h"
 #include "MpFactory.h"
 #include "gmpi/IMpAudioHost.h"
 #include "gmpi/IMpLegacyInitialization.h"
@@ -229,25 +227,19 @@ struct Described {
 // The DSP halves the descriptions beside the module sources declare, with their pins.
 std::vector<Described> dspHalves() {
     std::vector<Described> halves;
-    for (const auto& family : std::filesystem::directory_iterator(KX_SOURCE_DIR "/modules"))
-        if (family.is_directory())
-            for (const auto& file : std::filesystem::directory_iterator(family.path()))
-                if (file.path().extension() == ".json") {
-                    const auto described = nlohmann::json::parse(std::ifstream(file.path()));
-                    for (const auto& m : described["modules"]) {
-                        if (!m.contains("dsp"))
-                            continue;
-                        Described d{m["id"], {}, {}};
-                        for (const auto& p : m["dsp"]["pins"]) {
-                            const Pin pin{p["index"], p["datatype"]};
-                            if (p["direction"] == "in")
-                                d.inputs.push_back(pin);
-                            else if (pin.datatype == "audio")
-                                d.audioOutputs.push_back(pin);
-                        }
-                        halves.push_back(d);
-                    }
-                }
+    kxbench::forEachDescribedModule([&](const nlohmann::json& m) {
+        if (!m.contains("dsp"))
+            return;
+        Described d{m["id"], {}, {}};
+        for (const auto& p : m["dsp"]["pins"]) {
+            const Pin pin{p["index"], p["datatype"]};
+            if (p["direction"] == "in")
+                d.inputs.push_back(pin);
+            else if (pin.datatype == "audio")
+                d.audioOutputs.push_back(pin);
+        }
+        halves.push_back(d);
+    });
     std::sort(halves.begin(), halves.end(), [](const Described& a, const Described& b) { return a.id < b.id; });
     return halves;
 }

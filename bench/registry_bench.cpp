@@ -9,8 +9,6 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -19,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "Descriptions.h"
 #include "MpFactory.h"
 
 namespace {
@@ -33,22 +32,14 @@ struct Registration {
 const std::vector<Registration>& registrations() {
     static const auto all = [] {
         std::vector<Registration> list;
-        for (const auto& family : std::filesystem::directory_iterator(KX_SOURCE_DIR "/modules"))
-            if (family.is_directory())
-                for (const auto& file : std::filesystem::directory_iterator(family.path()))
-                    if (file.path().extension() == ".json") {
-                        const auto j = nlohmann::json::parse(std::ifstream(file.path()));
-                        for (const auto& m : j["modules"]) {
-                            const std::string id = m["id"];
-                            const std::wstring wide(id.begin(), id.end());
-                            if (m.contains("gui"))
-                                list.push_back(
-                                    {wide, gmpi::MP_SUB_TYPE_GUI2, static_cast<int>(m["gui"]["pins"].size())});
-                            if (m.contains("dsp"))
-                                list.push_back(
-                                    {wide, gmpi::MP_SUB_TYPE_AUDIO, static_cast<int>(m["dsp"]["pins"].size())});
-                        }
-                    }
+        kxbench::forEachDescribedModule([&](const nlohmann::json& m) {
+            const std::string id = m["id"];
+            const std::wstring wide(id.begin(), id.end());
+            for (const auto& [side, subType] :
+                 {std::pair{"gui", gmpi::MP_SUB_TYPE_GUI2}, {"dsp", gmpi::MP_SUB_TYPE_AUDIO}})
+                if (m.contains(side))
+                    list.push_back({wide, subType, static_cast<int>(m[side]["pins"].size())});
+        });
         return list;
     }();
     return all;

@@ -112,7 +112,7 @@ int32_t MpPluginBase::setHost(gmpi::IMpUnknown* hostObject) {
 }
 
 void MpPluginBase::onGraphStart() {
-    for (const Slot& slot : pins)
+    for (const auto& slot : pins)
         if (slot.pin->getDirection() == MP_OUT)
             slot.pin->sendFirstUpdate();
 }
@@ -134,13 +134,7 @@ void MpPluginBase::initializePin(int index, MpPinBase& pin, MpBaseMemberPtr hand
     if (!handler && pin.getDirection() == MP_IN)
         handler = pin.getDefaultEventHandler();
     pin.bind(index, this, handler);
-    // Room for a typical module's pins at once, instead of growing one pin at a time.
-    if (pins.empty())
-        pins.reserve(8);
-    auto at = std::lower_bound(pins.begin(), pins.end(), index, [](const Slot& s, int i) { return s.index < i; });
-    if (at != pins.end() && at->index == index)
-        return;
-    pins.insert(at, Slot{index, &pin});
+    pins.add(index, pin);
 }
 
 // ---- MpBase2

@@ -8,6 +8,7 @@
 #include "HostBoundary.h"
 #include "MpCountedPtr.h"
 #include "MpPins.h"
+#include "PinTable.h"
 #include "RefCounted.h"
 #include "gmpi/IMpAudioHost.h"
 #include "gmpi/IMpLegacyInitialization.h"
@@ -63,12 +64,7 @@ public:
     void raiseSleepCount(int atLeast) { sleepCount = sleepCount < atLeast ? atLeast : sleepCount; }
 
     // The pin bound to index, or null.
-    MpPinBase* getPin(int index) const {
-        for (const Slot& slot : pins)
-            if (slot.index >= index)
-                return slot.index == index ? slot.pin : nullptr;
-        return nullptr;
-    }
+    MpPinBase* getPin(int index) const { return pins.find(index); }
 
 protected:
     // Binding, from the constructor only. The index-less forms take the next index after the highest
@@ -81,17 +77,11 @@ protected:
     void initializePin(MpPinBase& pin, void (M::*handler)(const gmpi::MpEvent*)) {
         initializePin(nextPinIndex(), pin, static_cast<MpBaseMemberPtr>(handler));
     }
-    int nextPinIndex() const { return pins.empty() ? 0 : pins.back().index + 1; }
+    int nextPinIndex() const { return pins.nextIndex(); }
 
     gmpi_sdk::mp_shared_ptr<gmpi::IMpAudioHost> host;
     gmpi::IMpProcessorHost* processorHost = nullptr;  // not counted: the host outlives its modules
-    struct Slot {
-        int32_t index;
-        MpPinBase* pin;
-    };
-    // Sorted by index. Modules have few pins, and every event looks its pin up three times: a small
-    // vector scanned in order beats a tree.
-    std::vector<Slot> pins;
+    kx::PinTable<MpPinBase> pins;
     int32_t blockPosition = 0;
     int32_t sleepCount = 0;
     int32_t streamingPins = 0;

@@ -4,17 +4,9 @@
 
 // ---- GuiPinOwner
 
-void GuiPinOwner::addPin(int index, MpGuiPinBase& pin) {
-    // Room for a typical module's pins at once, instead of growing one pin at a time.
-    if (slots_.empty())
-        slots_.reserve(8);
-    auto it = std::lower_bound(slots_.begin(), slots_.end(), index, [](const Slot& s, int i) { return s.index < i; });
-    if (it != slots_.end() && it->index == index)
-        return;
-    slots_.insert(it, Slot{index, &pin});
-}
+void GuiPinOwner::addPin(int index, MpGuiPinBase& pin) { slots_.add(index, pin); }
 
-int GuiPinOwner::nextPinIndex() const { return slots_.empty() ? 0 : slots_.back().index + 1; }
+int GuiPinOwner::nextPinIndex() const { return slots_.nextIndex(); }
 
 // ---- MpGuiBase2
 

@@ -9,6 +9,7 @@
 
 #include "MpBlob.h"
 #include "MpPinDatatype.h"
+#include "PinTable.h"
 #include "TextCodec.h"
 #include "gmpi/IMpUserInterface.h"
 #include "gmpi/IMpUserInterface2.h"
@@ -54,12 +55,7 @@ public:
 
     // Inserts the pin unless the index is taken (the first pin bound to an index keeps it).
     void addPin(int index, MpGuiPinBase& pin);
-    MpGuiPinBase* getPin(int index) const {
-        for (const Slot& slot : slots_)
-            if (slot.index >= index)
-                return slot.index == index ? slot.pin : nullptr;
-        return nullptr;
-    }
+    MpGuiPinBase* getPin(int index) const { return slots_.find(index); }
     // Stores a value without running the handler. 0, or -1 for an unbound index.
     inline int32_t setPin(int index, int voice, int size, const void* data);
     // Runs the pin's handler, if it has one. 0, or -1 for an unbound index.
@@ -70,12 +66,7 @@ public:
     int nextPinIndex() const;
 
 private:
-    struct Slot {
-        int index;
-        MpGuiPinBase* pin;
-    };
-    // Modules have few pins: a small vector sorted by index, scanned in order, beats a tree for look-ups.
-    std::vector<Slot> slots_;
+    kx::PinTable<MpGuiPinBase> slots_;
 };
 
 class MpGuiPinBase {
