@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "ModuleSupport.h"
 #include "MpFactory.h"
 
 using GmpiDrawing_API::MP1_POINT;
@@ -34,12 +35,12 @@ void KX_PolarPickerImg::onLoaded() {
 }
 
 void KX_PolarPickerImg::onSetAngle() {
-    angle_ = clampUnit(pinAngle);
+    angle_ = kx::clampUnit(pinAngle);
     reDraw();
 }
 
 void KX_PolarPickerImg::onSetDist() {
-    distance_ = clampUnit(pinDistance);
+    distance_ = kx::clampUnit(pinDistance);
     reDraw();
 }
 
