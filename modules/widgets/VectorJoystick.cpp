@@ -27,9 +27,8 @@ Color defaultColour(int which) {
     }
 }
 
-// Labels keep this far from the area's edges and have this much room round their text, in the
-// background colour, so the diamond's lines stop short of them instead of crossing them.
-constexpr float kLabelInset = 1.0f;
+// Labels sit against the area's edges with this much room either side of their text, in the background
+// colour, so the diamond's lines stop short of them instead of crossing them.
 constexpr float kLabelPadding = 3.0f;
 
 // Whole units, so that label boxes and their text sit on the pixel grid.
@@ -178,7 +177,7 @@ int32_t KX_VecJS::OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) {
     auto text = g.CreateSolidColorBrush(Color::FromArgb(metadata ? metadata->textArgb() : 0xFF000000u));
     const auto anchor = kx::anchorOf(metadata);
     // A label may take up to half the width, less its room.
-    const float most = std::max(0.0f, w / 2 - 2 * kLabelPadding - kLabelInset);
+    const float most = std::max(0.0f, w / 2 - 2 * kLabelPadding);
     const float lineHeight = format.GetFontMetrics().ascent + format.GetFontMetrics().descent;
     for (size_t i = 0; i < labels_.size(); ++i) {
         if (labels_[i].empty())
@@ -191,16 +190,16 @@ int32_t KX_VecJS::OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) {
         float x = snap(mx - bw / 2), y = snap(my - bh / 2);
         switch (i) {
             case 0:  // A, left
-                x = kLabelInset;
+                x = 0;
                 break;
             case 1:  // B, top
-                y = kLabelInset;
+                y = 0;
                 break;
             case 2:  // C, right
-                x = snap(w - kLabelInset - bw);
+                x = snap(w - bw);
                 break;
             default:  // D, bottom
-                y = snap(h - kLabelInset - bh);
+                y = snap(h - bh);
         }
         const Rect box(x, y, x + bw, y + bh);
         if (colours_[Background].a > 0)
