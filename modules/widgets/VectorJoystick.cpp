@@ -66,8 +66,8 @@ Point KX_VecJS::shownPosition() const { return {kx::clampUnit(pinX), kx::clampUn
 Point KX_VecJS::handleCentre() const { return travel().centreAt(shownPosition()); }
 
 float KX_VecJS::handleRadius() const {
-    const kx::PadTravel t = travel();
-    return std::max(3.0f, std::min(t.width, t.height) / 20);
+    const float w = getRect().right - getRect().left, h = getRect().bottom - getRect().top;
+    return std::max(3.0f, std::min(w, h) / 20);  // a NaN size gives 3
 }
 
 std::string KX_VecJS::styleName() const {
