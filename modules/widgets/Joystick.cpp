@@ -16,8 +16,6 @@ namespace {
 
 const Color kNone{0, 0, 0, 0};
 
-Color colourOrNone(const std::wstring& text) { return text.empty() ? kNone : Color::FromArgbText(text); }
-
 }  // namespace
 
 KX_BetterJoystickImg::KX_BetterJoystickImg() : clock_(&kx::steadyNowNs) {
@@ -46,8 +44,8 @@ void KX_BetterJoystickImg::onLoaded() {
 void KX_BetterJoystickImg::onSetXY() { follow(); }
 
 void KX_BetterJoystickImg::onSetColours() {
-    background_ = colourOrNone(pinBackground.getValue());
-    guide_ = colourOrNone(pinGuide.getValue());
+    background_ = Color::FromArgbText(pinBackground.getValue(), kNone);
+    guide_ = Color::FromArgbText(pinGuide.getValue(), kNone);
     invalidateRect();
 }
 

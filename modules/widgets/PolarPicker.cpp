@@ -48,8 +48,8 @@ void KX_PolarPickerImg::onSetColors() {
     // An empty text is the slot's own default: the blue gradient of a fresh picker.
     const std::wstring& inner = pinInnerColour.getValue();
     const std::wstring& outer = pinOuterColour.getValue();
-    inner_ = inner.empty() ? defaultInner_ : GmpiDrawing::Color::FromArgbText(inner);
-    outer_ = outer.empty() ? defaultOuter_ : GmpiDrawing::Color::FromArgbText(outer);
+    inner_ = GmpiDrawing::Color::FromArgbText(inner, defaultInner_);
+    outer_ = GmpiDrawing::Color::FromArgbText(outer, defaultOuter_);
     reDraw();
 }
 

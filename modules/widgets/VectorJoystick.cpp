@@ -107,7 +107,7 @@ void KX_VecJS::sendLevels() {
 void KX_VecJS::onSetColours() {
     for (int i = 0; i < ColourCount; ++i) {
         const std::wstring& text = pinColours[i].getValue();
-        colours_[i] = text.empty() ? defaultColour(i) : Color::FromArgbText(text);
+        colours_[i] = Color::FromArgbText(text, defaultColour(i));
     }
     invalidateRect();
 }
