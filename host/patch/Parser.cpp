@@ -151,7 +151,7 @@ const ParamDecl* Patch::paramOf(const PinRef& pin) const {
 
 const PinInfo* Patch::pin(const PinRef& ref) const {
     const InstanceDecl* decl = instance(ref.instance);
-    const SideInfo* side = decl ? decl->module->side(ref.side) : nullptr;
+    const SideInfo* side = decl ? decl->side(ref.side) : nullptr;
     return side ? side->byIndex(ref.index) : nullptr;
 }
 
@@ -183,7 +183,7 @@ PinRef Parser::pin(const Line& line, const Token& token) const {
         ref.side = rest[0] == 'g' ? Side::Gui : Side::Dsp;
         rest = rest.substr(4);
     }
-    const SideInfo& side = *decl->module->side(ref.side);
+    const SideInfo& side = *decl->side(ref.side);
     const std::string owner = decl->module->id + " (" + sideName(ref.side) + ")";
     if (rest.empty())
         fail(line, "'" + raw + "' names no pin");
