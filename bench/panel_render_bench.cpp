@@ -16,6 +16,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -306,14 +307,15 @@ bool samePixels(cairo_surface_t* a, cairo_surface_t* b) {
                        static_cast<size_t>(cairo_image_surface_get_stride(a)) * static_cast<size_t>(height)) == 0;
 }
 
-// Both frames once, compared; kept as PNG beside each other when they differ, for a look.
+// Both frames once, compared; kept as PNG in the temporary folder when they differ, for a look.
 bool framesAgree(KxPanel& kx, CairoPanel& cairo) {
     cairo_surface_t* a = kx.frame();
     cairo_surface_t* b = cairo.frame();
     const bool same = samePixels(a, b);
     if (!same) {
-        cairo_surface_write_to_png(a, "panel_render_kxhost.png");
-        cairo_surface_write_to_png(b, "panel_render_cairo.png");
+        const auto folder = std::filesystem::temp_directory_path();
+        cairo_surface_write_to_png(a, (folder / "panel_render_kxhost.png").c_str());
+        cairo_surface_write_to_png(b, (folder / "panel_render_cairo.png").c_str());
     }
     cairo_surface_destroy(a);
     cairo_surface_destroy(b);
@@ -325,7 +327,9 @@ void KxhostPanelFrame(benchmark::State& state) {
     KxPanel kx(layout);
     CairoPanel cairo(layout);
     if (!framesAgree(kx, cairo)) {
-        state.SkipWithError("the Cairo baseline does not draw the panel's pixels");
+        state.SkipWithError(
+            "the Cairo baseline does not draw the panel's pixels (both frames are in the "
+            "temporary folder as panel_render_*.png)");
         return;
     }
     for (auto _ : state)
