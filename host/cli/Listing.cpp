@@ -90,6 +90,7 @@ ordered_json moduleJson(Bundle& bundle, const ModuleInfo& m) {
                       {"category", m.category},
                       {"summary", m.summary},
                       {"guide", m.guide},
+                      {"description", m.file.filename().string()},
                       {"graphic", gui.created && bundle.isGraphic(m.id)},
                       {"created", {{"gui", gui.created}, {"dsp", dsp.created}}}};
     if (m.gui)
