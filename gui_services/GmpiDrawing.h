@@ -149,6 +149,10 @@ public:
     // 16 (leading space, a sign and "0x" allowed; reading stops at the first other character), so text
     // that is not hexadecimal gives transparent black.
     static Color FromArgbText(const std::wstring& text);
+    // A colour pin's colour: empty text stands for the widget's own default, whenEmpty.
+    static Color FromArgbText(const std::wstring& text, const Color& whenEmpty) {
+        return text.empty() ? whenEmpty : FromArgbText(text);
+    }
 };
 
 // A gradient of two or more stops.

@@ -57,8 +57,6 @@ protected:
     // The size of the rectangle the host arranged the widget in. Only the size counts: a widget draws and
     // receives points in its own coordinates, (0, 0) at its top-left corner, wherever the panel puts it.
     GmpiDrawing::Size layoutSize() const { return {rect_.right - rect_.left, rect_.bottom - rect_.top}; }
-    // A position for drawing and dragging: clamped to 0..1, and 0 for a NaN the host may have sent.
-    static float clampUnit(float v) { return std::isnan(v) ? 0.0f : std::fmin(std::fmax(v, 0.0f), 1.0f); }
 
     StringGuiPin pinFilename;
     StringGuiPin pinHint;

@@ -74,8 +74,11 @@ def pin_table(pins):
     rows = ["| # | Name | Type | Dir | Default | Purpose |", "|---|---|---|---|---|---|"]
     for p in pins:
         index = f"{p['index']}, {p['index'] + 1}, ..." if p.get("autoDuplicate") else str(p["index"])
+        purpose = p["purpose"]
+        if p.get("echo") is False:
+            purpose += " (the host never echoes the module's own writes into it)"
         rows.append(f"| {index} | {cell(p['name'])} | {p['datatype']} | {p['direction']} | {default_text(p)} | "
-                    f"{cell(p['purpose'])} |")
+                    f"{cell(purpose)} |")
     return rows
 
 

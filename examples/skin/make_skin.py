@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Draws the demo skin: film strips for a knob (vertical drag), a rotary dial, vertical and horizontal
-sliders, a push button, a latching toggle switch, a stepping waveform selector, an endless jog wheel and
-the handle of a polar picker, a segmented level meter; an LED as a BMP with a _mask.bmp beside it; a metadata .txt beside each
+sliders, a push button, a latching toggle switch, a stepping waveform selector, an endless jog wheel, the
+handle of a polar picker, the handle of a joystick and a segmented level meter; an LED as a BMP with a
+_mask.bmp beside it; a metadata .txt beside each
 image; and the text-style file global.txt.
 
 Only the standard library is used: images are rasterised here (anti-aliased by supersampling) and
@@ -372,6 +373,39 @@ def polar_handle(size=16):
     return img
 
 
+def joystick_handle(size=28):
+    """The joystick's handle: a glossy red ball in a dark rubber collar, with a soft shadow below it.
+    Frame 1, for a held handle, rings the collar with amber light. The metadata pads each frame by 2
+    pixels all round, so the ball keeps clear of the pad's edges."""
+    img = Image(size, size * 2)
+    c = size / 2
+    for f in range(2):
+        top = f * size
+        img.paint(0, top, size, size, lambda x, y, t=top: (
+            (0, 0, 0, 90) if (x - c) ** 2 + (y - t - c - 1.2) ** 2 <= 13.6 ** 2 else None))
+        img.paint(0, top, size, size, lambda x, y, t=top: (
+            mix((58, 60, 66), (18, 18, 22), (y - t) / size) + (255,)
+            if (x - c) ** 2 + (y - t - c) ** 2 <= 12.6 ** 2 else None))
+        if f:
+            img.paint(0, top, size, size, lambda x, y, t=top: (
+                AMBER + (255,) if 10.6 ** 2 <= (x - c) ** 2 + (y - t - c) ** 2 <= 12.2 ** 2 else None))
+
+        def ball(x, y, t=top):
+            px, py = x - c, y - t - c
+            r2 = px * px + py * py
+            if r2 > 9.4 ** 2:
+                return None
+            # Lit from the top left: brightest toward (-4, -4), darkest at the far rim.
+            light = clamp01(1 - math.hypot(px + 4, py + 4) / 15)
+            return mix((96, 14, 14), (232, 64, 52), light) + (255,)
+
+        img.paint(0, top, size, size, ball)
+        img.paint(0, top, size, size, lambda x, y, t=top: (
+            (255, 236, 228, round(200 * clamp01(1 - math.hypot(x - c + 3.6, y - t - c + 4) / 3.4)))
+            if math.hypot(x - c + 3.6, y - t - c + 4) <= 3.4 else None))
+    return img
+
+
 def led(size=16):
     """Two frames, off and on; the alpha goes to the mask file, the BMP itself has none."""
     img = Image(size, size * 2)
@@ -452,6 +486,7 @@ METADATA = {
     "jog.txt": "type knob\nframe_size 72 72\npadding 0 0 0 0\nmouse_response rotary\n",
     "handle.txt": "type knob\nframe_size 16 16\npadding 0 0 0 0\n",
     "meter.txt": "type bargraph\nframe_size 14 100\npadding 0 0 0 0\nsegment 2 8\nsegment_count 12\n",
+    "stick.txt": "type knob\nframe_size 28 28\npadding 2 2 2 2\n",
 }
 
 
@@ -466,6 +501,7 @@ def main():
     jog().write_png(os.path.join(HERE, "jog.png"))
     polar_handle().write_png(os.path.join(HERE, "handle.png"))
     meter().write_png(os.path.join(HERE, "meter.png"))
+    joystick_handle().write_png(os.path.join(HERE, "stick.png"))
     l = led()
     l.write_bmp(os.path.join(HERE, "led.bmp"))
     l.write_bmp(os.path.join(HERE, "led_mask.bmp"), channel="alpha")

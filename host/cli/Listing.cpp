@@ -76,6 +76,8 @@ ordered_json pinsJson(const SideInfo& side) {
             pin["default"] = defaultJson(*p.defaultValue);
         if (p.autoDuplicate)
             pin["autoDuplicate"] = true;
+        if (!p.echo)
+            pin["echo"] = false;
         pin["purpose"] = p.purpose;
         pins.push_back(std::move(pin));
     }
@@ -130,7 +132,9 @@ void printPins(std::ostream& out, const char* title, const SideInfo& side, const
     for (const auto& p : side.pins) {
         std::string purpose = p.purpose;
         if (p.autoDuplicate)
-            purpose += purpose.empty() ? "(repeated on demand)" : " (repeated on demand)";
+            purpose += " (repeated on demand)";
+        if (!p.echo)
+            purpose += " (never echoed)";
         rows.push_back(
             {std::to_string(p.index), p.name, datatypeName(p.type), p.output ? "out" : "in", defaultText(p), purpose});
     }

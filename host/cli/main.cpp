@@ -4,6 +4,9 @@
 
 #include <cstdio>
 #include <iostream>
+#include <limits>
+#include <stdexcept>
+#include <string>
 
 #include "cli/Listing.h"
 #include "patch/Catalogue.h"
@@ -17,12 +20,61 @@ namespace {
 
 using namespace kxhost;
 
+// A command line kxhost cannot run: a one-line message and exit status 2, like an error in a patch.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Exit statuses, as docs/patch-format.md states them.
+constexpr int kPassed = 0;
+constexpr int kUsageOrPatchError = 2;
+constexpr int kInternalError = 3;
+
+// A whole number within [low, high], with a message that says so.
+CLI::Validator countBetween(long long low, long long high) {
+    return CLI::Validator(
+        [low, high](std::string& text) -> std::string {
+            long long v = 0;
+            size_t used = 0;
+            try {
+                v = std::stoll(text, &used);
+            } catch (const std::exception&) {
+                used = 0;
+            }
+            if (used == 0 || used != text.size() || v < low || v > high)
+                return "takes a whole number from " + std::to_string(low) + " to " + std::to_string(high) + ", not " +
+                       text;
+            return {};
+        },
+        "");
+}
+
+// CLI11's messages may span lines; kxhost prints one.
+std::string oneLine(std::string text) {
+    for (char& c : text)
+        if (c == '\n')
+            c = ' ';
+    while (!text.empty() && text.back() == ' ')
+        text.pop_back();
+    return text;
+}
+
 struct Paths {
     std::string bundle;
     std::string descriptions;
 
+    // The bundle given, else the one beside kxhost, else the one the build made. Throws HostError naming
+    // it when it is not there: the descriptions are looked for beside it, so that comes first.
     std::filesystem::path bundlePath() const {
-        return bundle.empty() ? defaultBundlePath() : std::filesystem::path(bundle);
+        const std::filesystem::path path = bundle.empty() ? defaultBundlePath() : std::filesystem::path(bundle);
+        std::error_code ec;
+        if (path.empty())
+            throw HostError("no module bundle beside kxhost; give one with --bundle PATH");
+        if (!std::filesystem::is_regular_file(path, ec))
+            throw HostError("bundle " + path.string() + " does not exist" +
+                            (bundle.empty() ? " (give one with --bundle PATH)" : ""));
+        return path;
     }
     // The descriptions travel with the bundle: by default the folder beside it.
     std::filesystem::path descriptionsPath() const {
@@ -31,6 +83,9 @@ struct Paths {
 };
 
 int showLive(const Paths& paths, const std::string& patchFile, const ShowOptions& options) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(patchFile, ec))
+        throw UsageError(patchFile + " is a folder; kxhost show takes a patch file (.kxp)");
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
     const Patch patch = parsePatchFile(patchFile, catalogue);
     Bundle bundle(paths.bundlePath());
@@ -43,13 +98,19 @@ void makeOutputFolder(const std::string& output) {
     std::error_code ec;
     std::filesystem::create_directories(output, ec);
     if (!std::filesystem::is_directory(output))
-        throw HostError("cannot make the output folder " + output);
+        throw UsageError("cannot make the output folder " + output);
 }
 
 int run(const Paths& paths, const std::string& patchFile, const std::string& output) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(patchFile, ec))
+        throw UsageError(patchFile + " is a folder; kxhost run takes a patch file (.kxp)");
+    const std::filesystem::path bundlePath = paths.bundlePath();
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
     const Patch patch = parsePatchFile(patchFile, catalogue);
-    Bundle bundle(paths.bundlePath());
+    if (patch.instances.empty() && patch.setup.empty() && patch.scenario.empty())
+        std::cerr << "kxhost: " << patchFile << " is empty: no instance and no step to run\n";
+    Bundle bundle(bundlePath);
     Session session(bundle, patch, std::cout, std::cerr);
     if (!output.empty())
         session.setOutputDir(output);
@@ -95,8 +156,8 @@ int main(int argc, char** argv) {
     runCmd->add_option("PATCH", patchFile, "the patch file")->required();
     std::string output;
     runCmd->add_option("--out,--output", output,
-                       "folder the run writes its files (snapshot PNGs) into, made if missing (default: the current "
-                       "folder)");
+                       "folder the run writes its files (snapshot PNGs) into, made if missing; without it, "
+                       "snapshots are rendered but not written");
     ShowOptions showOptions;
     auto* showCmd = app.add_subcommand(
         "show",
@@ -120,13 +181,22 @@ int main(int argc, char** argv) {
         "validate",
         "create every described identifier and side through the bundle, feed it hostile input, release "
         "it and check that nothing is left behind");
-    validateCmd->add_option("--seed", validateOptions.seed, "seed of the hostile input (default 1)");
+    validateCmd->add_option("--seed", validateOptions.seed, "seed of the hostile input (default 1)")
+        ->check(countBetween(0, std::numeric_limits<long long>::max()));
     validateCmd->add_option("--rounds", validateOptions.rounds, "hostile actions per created half (default 150)")
-        ->check(CLI::NonNegativeNumber);
+        ->check(countBetween(0, 1'000'000));
     validateCmd->add_option("--module", validateOptions.only, "validate only this identifier (repeatable)");
     validateCmd->add_option("--log", validateOptions.log, "append every step to this file as it happens");
     validateCmd->add_flag("--quiet", validateOptions.quiet, "no per-module summary lines");
-    CLI11_PARSE(app, argc, argv);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        // Help and version requests are "errors" with status 0: they print what was asked for.
+        if (e.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
+            return app.exit(e);
+        std::cerr << "kxhost: " << oneLine(e.what()) << " (kxhost --help lists the commands)\n";
+        return kUsageOrPatchError;
+    }
 
     try {
         if (*runCmd) {
@@ -147,11 +217,15 @@ int main(int argc, char** argv) {
     } catch (const HostError& e) {
         std::cout.flush();
         std::cerr << "kxhost: " << e.what() << "\n";
-        return 2;
+        return kUsageOrPatchError;
+    } catch (const UsageError& e) {
+        std::cout.flush();
+        std::cerr << "kxhost: " << e.what() << "\n";
+        return kUsageOrPatchError;
     } catch (const std::exception& e) {
         std::cout.flush();
         std::cerr << "kxhost: internal error: " << e.what() << "\n";
-        return 3;
+        return kInternalError;
     }
-    return 0;
+    return kPassed;
 }

@@ -27,6 +27,22 @@ const PinInfo* SideInfo::byName(const std::string& name) const {
     return nullptr;
 }
 
+std::optional<SideInfo> resizedSide(const SideInfo& described, int count) {
+    const auto have = static_cast<int>(described.pins.size());
+    const bool open = have > 0 && described.pins.back().autoDuplicate;
+    if (count < 0 || (count > have && !open))
+        return std::nullopt;
+    SideInfo side;
+    side.pins.assign(described.pins.begin(), described.pins.begin() + std::min(count, have));
+    for (int copy = 1; have + copy <= count; ++copy) {
+        PinInfo pin = described.pins.back();
+        pin.index += copy;
+        pin.name.append(1, ' ').append(std::to_string(copy + 1));
+        side.pins.push_back(std::move(pin));
+    }
+    return side;
+}
+
 std::string pinNameForPatch(const std::string& name) {
     const bool plain = !name.empty() && !std::isdigit(static_cast<unsigned char>(name[0])) &&
                        std::all_of(name.begin(), name.end(), [](char c) {
@@ -124,6 +140,11 @@ SideInfo readSide(const json& j, const std::string& where, const Purposes& purpo
             if (!p["autoDuplicate"].is_boolean())
                 throw HostError(at + " (" + pin.name + "): \"autoDuplicate\" must be true or false");
             pin.autoDuplicate = p["autoDuplicate"].get<bool>();
+        }
+        if (p.contains("echo")) {
+            if (!p["echo"].is_boolean())
+                throw HostError(at + " (" + pin.name + "): \"echo\" must be true or false");
+            pin.echo = p["echo"].get<bool>();
         }
         pin.purpose = optionalText(p, "purpose", at + " (" + pin.name + ")");
         if (pin.purpose.empty())

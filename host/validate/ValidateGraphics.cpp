@@ -201,7 +201,7 @@ private:
         const std::string what = a ? label(file ? "file dialog " : "text editor ", "answered (", a->size(), " bytes)")
                                    : label(file ? "file dialog " : "text editor ", "cancelled");
         s.call(what, [&] {
-            file ? panel_->answerFileDialog(a) : panel_->answerTextEdit(a);
+            file ? panel_->answerFileDialog({}, a) : panel_->answerTextEdit({}, a);
             return gmpi::MP_OK;
         });
         settle(s);

@@ -113,7 +113,7 @@ void KX_BetterListBox::onSetStyle() {
 void KX_BetterListBox::onSetColors() {
     for (int i = 0; i < ColourCount; ++i) {
         const std::wstring& text = colourPins_[i].getValue();
-        colours_[i] = text.empty() ? defaultColour(i) : Color::FromArgbText(text);
+        colours_[i] = Color::FromArgbText(text, defaultColour(i));
     }
     invalidateRect();
 }

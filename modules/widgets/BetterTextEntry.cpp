@@ -14,8 +14,6 @@ namespace {
 
 const Color kUnset{0, 0, 0, -1.0f};
 
-Color colourOrUnset(const std::wstring& text) { return text.empty() ? kUnset : Color::FromArgbText(text); }
-
 }  // namespace
 
 KX_BetterTextEntry::KX_BetterTextEntry() {
@@ -65,8 +63,8 @@ void KX_BetterTextEntry::onSetStyle() {
 }
 
 void KX_BetterTextEntry::onSetColors() {
-    textColour_ = colourOrUnset(textColourPin_.getValue());
-    background_ = colourOrUnset(backgroundPin_.getValue());
+    textColour_ = Color::FromArgbText(textColourPin_.getValue(), kUnset);
+    background_ = Color::FromArgbText(backgroundPin_.getValue(), kUnset);
     invalidateRect();
 }
 

@@ -94,7 +94,7 @@ void KX_Image::stepFrame() {
     // Frames that look alike (the same draw-at) are passed over, so a step always shows a new frame.
     // The host's echo of the position may already have moved draw-at: compare with what was shown.
     for (int32_t i = 0; i <= last && getDrawAt() == shown; ++i) {
-        const int32_t frame = kx::truncToInt32(clampUnit(pinPosition) * static_cast<float>(last) + 0.5f);
+        const int32_t frame = kx::truncToInt32(kx::clampUnit(pinPosition) * static_cast<float>(last) + 0.5f);
         const int32_t next = frame < last ? frame + 1 : 0;
         setAnimationPos(static_cast<float>(next) / static_cast<float>(last));
         calcDrawAt();
@@ -143,7 +143,7 @@ int32_t KX_Image::onPointerMove(int32_t flags, MP1_POINT point) {
             next = r == Response::Vertical ? p - k * dy : p + k * dx;  // moving up raises the value
         }
     }
-    setAnimationPos(clampUnit(next));
+    setAnimationPos(kx::clampUnit(next));
     dragStart_ = point;
     calcDrawAt();
     return gmpi::MP_OK;

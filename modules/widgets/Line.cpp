@@ -44,13 +44,13 @@ void KX_Line::onSetThickness() {
 
 void KX_Line::onSetFG_ARGB() {
     const std::wstring& text = lineColourPin_.getValue();
-    lineColour_ = text.empty() ? defaultLineColour() : Color::FromArgbText(text);
+    lineColour_ = Color::FromArgbText(text, defaultLineColour());
     invalidateRect();
 }
 
 void KX_Line::onSetBG_ARGB() {
     const std::wstring& text = backgroundPin_.getValue();
-    background_ = text.empty() ? kNoBackground : Color::FromArgbText(text);
+    background_ = Color::FromArgbText(text, kNoBackground);
     invalidateRect();
 }
 

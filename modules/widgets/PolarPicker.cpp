@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "ModuleSupport.h"
 #include "MpFactory.h"
 
 using GmpiDrawing_API::MP1_POINT;
@@ -34,12 +35,12 @@ void KX_PolarPickerImg::onLoaded() {
 }
 
 void KX_PolarPickerImg::onSetAngle() {
-    angle_ = clampUnit(pinAngle);
+    angle_ = kx::clampUnit(pinAngle);
     reDraw();
 }
 
 void KX_PolarPickerImg::onSetDist() {
-    distance_ = clampUnit(pinDistance);
+    distance_ = kx::clampUnit(pinDistance);
     reDraw();
 }
 
@@ -47,8 +48,8 @@ void KX_PolarPickerImg::onSetColors() {
     // An empty text is the slot's own default: the blue gradient of a fresh picker.
     const std::wstring& inner = pinInnerColour.getValue();
     const std::wstring& outer = pinOuterColour.getValue();
-    inner_ = inner.empty() ? defaultInner_ : GmpiDrawing::Color::FromArgbText(inner);
-    outer_ = outer.empty() ? defaultOuter_ : GmpiDrawing::Color::FromArgbText(outer);
+    inner_ = GmpiDrawing::Color::FromArgbText(inner, defaultInner_);
+    outer_ = GmpiDrawing::Color::FromArgbText(outer, defaultOuter_);
     reDraw();
 }
 

@@ -71,7 +71,7 @@ void KX_ScrollBar::onSetTotal() {
 void KX_ScrollBar::onSetColors() {
     for (int i = 0; i < 3; ++i) {
         const std::wstring& text = colourPins_[i].getValue();
-        colours_[i] = text.empty() ? defaultColour(i) : Color::FromArgbText(text);
+        colours_[i] = Color::FromArgbText(text, defaultColour(i));
     }
     const Color& edge = colours_[2];
     light_ = Color((edge.r + 2.0f) * 0.333f, (edge.g + 2.0f) * 0.333f, (edge.b + 2.0f) * 0.333f, edge.a);

@@ -1,6 +1,7 @@
 // Graphic modules for testing the renderer and the panel's pointer routing with a real skin: a frame of a
-// skin image with a text below it, dragged like a knob; a drawn list whose rows take clicks and hover; and
-// a text field edited through the host's text editor.
+// skin image with a text below it, dragged like a knob, whose text is also its tool tip and which offers a
+// context menu from an enumeration list (the choice comes back as a pulse); a drawn list whose rows take
+// clicks and hover; and a text field edited through the host's text editor.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -18,6 +19,8 @@ public:
         initializePin(pinFilename, &ImageBase::onSetFilename);
         initializePin(text, &T_SkinText::onSetText);
         initializePin(style, &T_SkinText::onSetText);
+        initializePin(pinMenuItems);
+        initializePin(pinMenuSelection);
     }
 
     // A vertical drag moves the position by 0.005 a pixel (0.001 with the fine modifier), up raising it.

@@ -238,6 +238,11 @@ public:
     std::vector<Shape> solidFills;  // every FillRectangle, with its colour
     std::vector<Shape> outlines;    // every DrawRectangle
     std::vector<Line> lines;
+    struct Ellipse {
+        MP1_ELLIPSE ellipse;
+        MP1_COLOR colour;
+    };
+    std::vector<Ellipse> filledEllipses;
     std::vector<Text> drawnTexts;
     std::vector<MP1_RECT> clips;  // pushed and not yet popped
 
@@ -264,7 +269,7 @@ public:
     void DrawRoundedRectangle(const MP1_ROUNDED_RECT*, IMpBrush*, float) override {}
     void FillRoundedRectangle(const MP1_ROUNDED_RECT*, IMpBrush*) override {}
     void DrawEllipse(const MP1_ELLIPSE*, IMpBrush*, float) override {}
-    void FillEllipse(const MP1_ELLIPSE*, IMpBrush*) override {}
+    void FillEllipse(const MP1_ELLIPSE* e, IMpBrush* b) override { filledEllipses.push_back({*e, colourOf(b)}); }
     void DrawLine(MP1_POINT p0, MP1_POINT p1, IMpBrush* b, float w) override {
         lines.push_back({p0, p1, w, colourOf(b)});
     }
