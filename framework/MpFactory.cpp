@@ -35,6 +35,14 @@ int32_t RegisterPlugin(int subType, const wchar_t* uniqueId, MP_CreateFunc2 crea
 
 int32_t RegisterPluginXml(const char*) { return gmpi::MP_OK; }
 
+std::vector<std::pair<int32_t, std::wstring>> MpFactory::registrations() const {
+    std::vector<std::pair<int32_t, std::wstring>> keys;
+    keys.reserve(registry_.size());
+    for (const auto& entry : registry_)
+        keys.push_back(entry.first);
+    return keys;
+}
+
 int32_t MpFactory::RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_CreateFunc2 create,
                                   MP_SetHostFunc setHost) {
     if (uniqueId)

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "HostBoundary.h"
 #include "gmpi/IMpFactory.h"
@@ -35,6 +36,9 @@ public:
     // object's legacy initialisation face.
     int32_t RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_CreateFunc2 create,
                            MP_SetHostFunc setHost = nullptr);
+
+    // Every registered (side, identifier) pair, ordered by side, then by identifier: what the pack holds.
+    std::vector<std::pair<int32_t, std::wstring>> registrations() const;
 
     virtual ~MpFactory() = default;
 

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Draws the demo skin: film strips for a knob (vertical drag), a rotary dial, vertical and horizontal
 sliders, a push button, a latching toggle switch, a stepping waveform selector, an endless jog wheel, the
-handle of a polar picker and the handle of a joystick; an LED as a BMP with a _mask.bmp beside it; a metadata .txt beside each
+handle of a polar picker, the handle of a joystick and a segmented level meter; an LED as a BMP with a
+_mask.bmp beside it; a metadata .txt beside each
 image; and the text-style file global.txt.
 
 Only the standard library is used: images are rasterised here (anti-aliased by supersampling) and
@@ -413,6 +414,24 @@ def led(size=16):
     return img
 
 
+def meter(width=14, height=100, segments=12, pitch=8, bottom=2):
+    """A bar graph: frame 0 unlit, frame 1 lit. Segment k (from 1, counted from the bottom) is pitch - 2
+    pixels high with its lower edge bottom + (k - 1) x pitch from the foot, so lighting k x pitch + 1
+    pixels (metadata "segment 2 8": offset 2, pitch 8) shows exactly k segments; green, then amber, then
+    red at the top."""
+    img = Image(width, height * 2)
+    for f in range(2):
+        top = f * height
+        img.paint(0, top, width, height, lambda x, y, t=top: (12, 13, 16, 255) if 0 <= y - t < height else None)
+        for k in range(1, segments + 1):
+            colour = (70, 200, 90) if k <= segments * 0.6 else (240, 180, 40) if k <= segments * 0.85 else (235, 60, 45)
+            if not f:
+                colour = mix(colour, (20, 22, 26), 0.78)
+            y1 = top + height - bottom - (k - 1) * pitch
+            img.paint(0, y1 - (pitch - 2), width, pitch - 2, lambda x, y, c=colour: c + (255,) if 2 <= x <= width - 2 else None)
+    return img
+
+
 STYLES = """\
 FONT_CATEGORY normal
 font-family "DejaVu Sans" Verdana
@@ -432,6 +451,25 @@ font-family "DejaVu Sans"
 font-size 9
 font-weight 300
 font-color #A0A8B0
+
+FONT_CATEGORY label
+font-family "DejaVu Sans"
+font-size 10
+font-weight bold
+font-color #8C96A8
+
+FONT_CATEGORY caption
+font-family "DejaVu Sans"
+font-size 10
+text-align center
+font-color #A0A8B0
+
+FONT_CATEGORY readout
+font-family "DejaVu Sans Mono"
+font-size 13
+text-align center
+font-color #FFB030
+background-color #121316
 """
 
 METADATA = {
@@ -447,6 +485,7 @@ METADATA = {
     "selector.txt": "type knob\nframe_size 64 40\npadding 0 0 0 0\nmouse_response step\n",
     "jog.txt": "type knob\nframe_size 72 72\npadding 0 0 0 0\nmouse_response rotary\n",
     "handle.txt": "type knob\nframe_size 16 16\npadding 0 0 0 0\n",
+    "meter.txt": "type bargraph\nframe_size 14 100\npadding 0 0 0 0\nsegment 2 8\nsegment_count 12\n",
     "stick.txt": "type knob\nframe_size 28 28\npadding 2 2 2 2\n",
 }
 
@@ -461,6 +500,7 @@ def main():
     selector().write_png(os.path.join(HERE, "selector.png"))
     jog().write_png(os.path.join(HERE, "jog.png"))
     polar_handle().write_png(os.path.join(HERE, "handle.png"))
+    meter().write_png(os.path.join(HERE, "meter.png"))
     joystick_handle().write_png(os.path.join(HERE, "stick.png"))
     l = led()
     l.write_bmp(os.path.join(HERE, "led.bmp"))

@@ -3,12 +3,12 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
-#include <iomanip>
 #include <iostream>
 #include <limits>
 #include <stdexcept>
 #include <string>
 
+#include "cli/Listing.h"
 #include "patch/Catalogue.h"
 #include "patch/Error.h"
 #include "session/Bundle.h"
@@ -117,31 +117,19 @@ int run(const Paths& paths, const std::string& patchFile, const std::string& out
     return session.run() ? 0 : 1;
 }
 
-std::string sideStatus(Bundle& bundle, const ModuleInfo& m, Side side, bool& missing) {
-    const bool described = m.side(side) != nullptr;
-    const bool created = bundle.creates(m.id, side);
-    if (described && !created)
-        missing = true;
-    return described ? (created ? "yes" : "MISSING") : (created ? "undescribed" : "-");
-}
-
-int list(const Paths& paths) {
+int list(const Paths& paths, bool asJson) {
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
     Bundle bundle(paths.bundlePath());
-    std::cout << "bundle:       " << bundle.path().string() << "\n"
-              << "descriptions: " << paths.descriptionsPath().string() << "\n\n";
-    std::cout << std::left << std::setw(26) << "identifier" << std::setw(12) << "gui" << std::setw(12) << "dsp"
-              << "name\n";
-    bool missing = false;
-    for (const auto& [id, m] : catalogue.modules()) {
-        const std::string gui = sideStatus(bundle, m, Side::Gui, missing);
-        const std::string dsp = sideStatus(bundle, m, Side::Dsp, missing);
-        std::cout << std::left << std::setw(26) << id << std::setw(12) << gui << std::setw(12) << dsp << m.name << "\n";
-    }
-    std::cout << "\n" << catalogue.modules().size() << " identifiers described\n";
-    if (missing)
-        std::cerr << "kxhost: the bundle does not create every described side (MISSING above)\n";
-    return missing ? 1 : 0;
+    if (!asJson)
+        std::cout << "bundle:       " << bundle.path().string() << "\n"
+                  << "descriptions: " << paths.descriptionsPath().string() << "\n\n";
+    return listModules(bundle, catalogue, asJson, std::cout, std::cerr);
+}
+
+int describe(const Paths& paths, const std::string& id, bool asJson) {
+    const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
+    Bundle bundle(paths.bundlePath());
+    return describeModule(bundle, catalogue, id, asJson, std::cout);
 }
 
 int validateAll(const Paths& paths, const validate::Options& options) {
@@ -179,8 +167,15 @@ int main(int argc, char** argv) {
     showCmd->add_flag("--play", showOptions.play,
                       "play the patch's scenario once the window is up (default: only its set-up runs)");
     showCmd->add_option("--out,--output", output, "folder a played scenario writes its snapshots into");
-    auto* listCmd =
-        app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
+    bool asJson = false;
+    auto* listCmd = app.add_subcommand(
+        "list", "list the described identifiers: whether the bundle creates each side, category and summary");
+    listCmd->add_flag("--json", asJson, "the same as JSON, with every pin, for tools");
+    std::string describeId;
+    auto* describeCmd =
+        app.add_subcommand("describe", "print one identifier's description: its pins and what each is for");
+    describeCmd->add_option("ID", describeId, "the module identifier (KX_Image)")->required();
+    describeCmd->add_flag("--json", asJson, "as JSON, the form list --json gives each identifier");
     validate::Options validateOptions;
     auto* validateCmd = app.add_subcommand(
         "validate",
@@ -214,7 +209,9 @@ int main(int argc, char** argv) {
             return showLive(paths, patchFile, showOptions);
         }
         if (*listCmd)
-            return list(paths);
+            return list(paths, asJson);
+        if (*describeCmd)
+            return describe(paths, describeId, asJson);
         if (*validateCmd)
             return validateAll(paths, validateOptions);
     } catch (const HostError& e) {

@@ -89,7 +89,18 @@ std::optional<Value> defaultFromJson(Datatype type, const json& j) {
     return std::nullopt;
 }
 
-SideInfo readSide(const json& j, const std::string& where) {
+// An optional text field: "" when absent; anything but a string is an error.
+std::string optionalText(const json& j, const char* key, const std::string& where) {
+    if (!j.contains(key))
+        return {};
+    if (!j[key].is_string())
+        throw HostError(where + ": \"" + key + "\" must be a string");
+    return j[key].get<std::string>();
+}
+
+using Purposes = std::map<std::string, std::string>;
+
+SideInfo readSide(const json& j, const std::string& where, const Purposes& purposes) {
     if (!j.is_object() || !j.contains("pins") || !j["pins"].is_array())
         throw HostError(where + ": needs a \"pins\" array");
     SideInfo side;
@@ -135,6 +146,10 @@ SideInfo readSide(const json& j, const std::string& where) {
                 throw HostError(at + " (" + pin.name + "): \"echo\" must be true or false");
             pin.echo = p["echo"].get<bool>();
         }
+        pin.purpose = optionalText(p, "purpose", at + " (" + pin.name + ")");
+        if (pin.purpose.empty())
+            if (auto it = purposes.find(pin.name); it != purposes.end())
+                pin.purpose = it->second;
         side.pins.push_back(std::move(pin));
     }
     for (size_t i = 0; i + 1 < side.pins.size(); ++i)
@@ -159,6 +174,22 @@ void Catalogue::addText(const std::string& text, const std::filesystem::path& fi
     }
     if (!doc.is_object() || !doc.contains("modules") || !doc["modules"].is_array())
         throw HostError(name + ": needs a top-level object with a \"modules\" array");
+    // The family's shared pin purposes, by side and pin name.
+    std::map<std::string, Purposes> purposes;
+    if (doc.contains("purposes")) {
+        const json& all = doc["purposes"];
+        if (!all.is_object())
+            throw HostError(name + ": \"purposes\" must map \"gui\" and \"dsp\" to objects of texts");
+        for (const auto& [side, texts] : all.items()) {
+            if ((side != "gui" && side != "dsp") || !texts.is_object())
+                throw HostError(name + ": \"purposes\" must map \"gui\" and \"dsp\" to objects of texts");
+            for (const auto& [pin, text] : texts.items()) {
+                if (!text.is_string())
+                    throw HostError(name + ": the purpose of " + side + " pin \"" + pin + "\" must be a string");
+                purposes[side][pin] = text.get<std::string>();
+            }
+        }
+    }
     for (const auto& m : doc["modules"]) {
         if (!m.is_object() || !m.contains("id") || !m["id"].is_string() || m["id"].get<std::string>().empty())
             throw HostError(name + ": every module needs an \"id\"");
@@ -167,10 +198,13 @@ void Catalogue::addText(const std::string& text, const std::filesystem::path& fi
         info.name = m.value("name", info.id);
         info.file = file;
         const std::string where = name + ": " + info.id;
+        info.category = optionalText(m, "category", where);
+        info.summary = optionalText(m, "summary", where);
+        info.guide = optionalText(m, "guide", where);
         if (m.contains("gui"))
-            info.gui = readSide(m["gui"], where + " gui");
+            info.gui = readSide(m["gui"], where + " gui", purposes["gui"]);
         if (m.contains("dsp"))
-            info.dsp = readSide(m["dsp"], where + " dsp");
+            info.dsp = readSide(m["dsp"], where + " dsp", purposes["dsp"]);
         if (!info.gui && !info.dsp)
             throw HostError(where + ": describes neither a \"gui\" nor a \"dsp\" side");
         if (auto it = modules_.find(info.id); it != modules_.end())
