@@ -31,19 +31,12 @@ int32_t MpGuiBase2::setHost(gmpi::IMpUnknown* hostObject) {
     return gmpi::MP_NOSUPPORT;
 }
 
-int32_t MpGuiBase2::pinTransmit(int pinId, int size, const void* data, int voice) {
-    return host ? host->pinTransmit(pinId, size, data, voice) : gmpi::MP_FAIL;
-}
-
 void MpGuiBase2::initializePin(int index, MpGuiPinBase& pin, Handler handler) {
-    std::unique_ptr<IGuiPinCallbackImpl> callback;
-    if (handler)
-        callback = std::make_unique<IGuiPinCallback<gmpi::IMpUserInterface2>>(this, handler);
-    pin.bind(index, this, std::move(callback));
+    pin.bind(index, this, GuiPinHandler(this, handler));
     addPin(index, pin);
 }
 
 void MpGuiBase2::initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler) {
-    pin.bind(index, this, std::make_unique<IGuiPinCallbackIndexed<gmpi::IMpUserInterface2>>(this, handler));
+    pin.bind(index, this, GuiPinHandler(this, handler));
     addPin(index, pin);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -28,6 +29,10 @@ public:
     }
     // The pin bound to index, or null.
     Pin* find(int32_t index) const {
+        // Most modules number their pins 0, 1, 2, ...: then a pin sits at its own index.
+        if (index >= 0 && static_cast<size_t>(index) < slots_.size() &&
+            slots_[static_cast<size_t>(index)].index == index)
+            return slots_[static_cast<size_t>(index)].pin;
         for (const Slot& slot : slots_)
             if (slot.index >= index)
                 return slot.index == index ? slot.pin : nullptr;
