@@ -13,9 +13,9 @@ void MpPinBase::processEvent(const gmpi::MpEvent* e) {
 
 int MpPinBase::blockPosition() const { return plugin_ ? plugin_->getBlockPosition() : 0; }
 
-void MpPinBase::sendPinUpdate(int position) {
+void MpPinBase::sendPinUpdate(int position, int size, const void* data) {
     if (plugin_)
-        plugin_->sendPinValue(id_, position < 0 ? blockPosition() : position, rawSize(), rawData());
+        plugin_->sendPinValue(id_, position < 0 ? plugin_->getBlockPosition() : position, size, data);
 }
 
 void AudioInPin::preProcessEvent(const gmpi::MpEvent* e) {
@@ -145,6 +145,7 @@ void MpBase2::process(int32_t count, const gmpi::MpEvent* events) {
     if (count < 0)
         count = 0;
     blockPosition = 0;
+    sleepTold = false;
     const gmpi::MpEvent* e = events;
     while (e) {
         // A time stamp is an offset inside the block. One outside it or behind the current position is
@@ -164,13 +165,13 @@ void MpBase2::process(int32_t count, const gmpi::MpEvent* events) {
         for (auto* ev = e; ev != end; ev = ev->next)
             if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI)
                 if (MpPinBase* pin = getPin(ev->parm1))
-                    pin->preProcessEvent(ev);
+                    pin->storeEvent(ev);
         for (auto* ev = e; ev != end; ev = ev->next) {
             if (ev->eventType == gmpi::EVENT_GRAPH_START) {
                 onGraphStart();
             } else if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI) {
                 if (MpPinBase* pin = getPin(ev->parm1)) {
-                    pin->processEvent(ev);
+                    pin->handleEvent(ev);
                     pinsChanged |= ev->eventType != gmpi::EVENT_MIDI;
                 }
             }
@@ -180,12 +181,13 @@ void MpBase2::process(int32_t count, const gmpi::MpEvent* events) {
         for (auto* ev = e; ev != end; ev = ev->next)
             if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI)
                 if (MpPinBase* pin = getPin(ev->parm1))
-                    pin->postProcessEvent(ev);
+                    pin->clearEvent(ev);
         e = end;
     }
     if (count > blockPosition)
         (this->*curSubProcess)(count - blockPosition);
     blockPosition = 0;
+    sleepTold = false;
 }
 
 void MpBase2::OnPinStreamingChange(bool isStreaming) {
@@ -215,7 +217,8 @@ void MpBase2::subProcessPreSleep(int sampleFrames) {
     int remaining = sampleFrames;
     while (remaining > 0 && curSubProcess == &MpBase2::subProcessPreSleep) {
         const int slice = sleepCount > 0 ? std::min(remaining, static_cast<int>(sleepCount)) : remaining;
-        (this->*saveSubProcess)(slice);
+        if (saveSubProcess != &MpBase2::subProcessNothing)
+            (this->*saveSubProcess)(slice);
         blockPosition += slice;
         remaining -= slice;
         sleepCount = sleepCount > slice ? sleepCount - slice : 0;
@@ -224,6 +227,8 @@ void MpBase2::subProcessPreSleep(int sampleFrames) {
     if (remaining > 0)
         (this->*curSubProcess)(remaining);
     blockPosition = start;
-    if (sleepCount == 0 && curSubProcess == &MpBase2::subProcessPreSleep && canSleep && host)
+    if (sleepCount == 0 && curSubProcess == &MpBase2::subProcessPreSleep && canSleep && host && !sleepTold) {
+        sleepTold = true;
         host->sleep();
+    }
 }

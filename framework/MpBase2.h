@@ -120,4 +120,9 @@ protected:
 
     SubProcess curSubProcess;
     SubProcess saveSubProcess;
+
+private:
+    // Set once the host has been told during the current block that the module may sleep: telling it
+    // again for a later stretch of the same block changes nothing.
+    bool sleepTold = false;
 };
