@@ -117,10 +117,6 @@ void MpPluginBase::onGraphStart() {
             slot.pin->sendFirstUpdate();
 }
 
-int32_t MpPluginBase::sendPinValue(int pinId, int position, int size, const void* data) {
-    return host ? host->setPin(position, pinId, size, data) : gmpi::MP_FAIL;
-}
-
 int32_t MpPluginBase::sendPinStreaming(int pinId, int position, bool isStreaming) {
     return host ? host->setPinStreaming(position, pinId, isStreaming ? 1 : 0) : gmpi::MP_FAIL;
 }

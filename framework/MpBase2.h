@@ -57,7 +57,9 @@ public:
     gmpi::IMpProcessorHost* getProcessorHost() const { return processorHost; }
     int getBlockPosition() const { return blockPosition; }
     // Sends a value of an output pin to the host at a block position.
-    int32_t sendPinValue(int pinId, int position, int size, const void* data);
+    int32_t sendPinValue(int pinId, int position, int size, const void* data) {
+        return host ? host->setPin(position, pinId, size, data) : gmpi::MP_FAIL;
+    }
     int32_t sendPinStreaming(int pinId, int position, bool isStreaming);
     // Asks the host how long the module must keep running before it may sleep.
     void resetSleepCounter();

@@ -137,10 +137,10 @@ public:
         }
     }
     void handleEvent(const gmpi::MpEvent* e) {
-        if (fourBytes_)
-            MpPinBase::processEvent(e);
-        else
+        if (!fourBytes_)
             processEvent(e);
+        else if (eventHandler_)
+            MpPinBase::processEvent(e);
     }
     void clearEvent(const gmpi::MpEvent* e) {
         if (fourBytes_)
