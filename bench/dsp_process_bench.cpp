@@ -8,7 +8,8 @@
 //     host calls: setPin of Value Out on the audio host and the message to the GUI half.
 // Baseline: the least a DSP half behind the same interface must do with the same events: a module written
 // here whose process walks the list, keeps each new value, and makes the same two host calls through the
-// same host.
+// same host; and, as nothing streams through it, tells the host once per block that it may sleep, as the
+// bridge does.
 //
 // Then every DSP half in the pack, one benchmark per identifier: a block in which every input pin gets a
 // new value, with the heap allocations made inside process counted: in the first such block ("allocs
@@ -39,6 +40,7 @@ class NullAudioHost final : public gmpi::IMpAudioHost, public gmpi::IMpProcessor
 public:
     int64_t received = 0;
     int64_t messages = 0;
+    int64_t sleeps = 0;
 
     int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
         *out = nullptr;
@@ -58,7 +60,10 @@ public:
         return gmpi::MP_OK;
     }
     int32_t setPinStreaming(int32_t, int32_t, int32_t) override { return gmpi::MP_OK; }
-    int32_t sleep() override { return gmpi::MP_OK; }
+    int32_t sleep() override {
+        ++sleeps;
+        return gmpi::MP_OK;
+    }
     int32_t sendMessageToGui(int32_t, int32_t, const void* data) override {
         benchmark::DoNotOptimize(data);
         ++messages;
@@ -161,6 +166,8 @@ public:
             }
             host_->sendMessageToGui(0, 4, &in_);
         }
+        // Nothing streams through it: the host may let it sleep after this block.
+        host_->sleep();
     }
 
 private:
@@ -169,10 +176,13 @@ private:
     int32_t out_ = 0;
 };
 
-void checkTwoCallsPerEvent(benchmark::State& state, const NullAudioHost& host) {
-    if (host.received < static_cast<int64_t>(state.iterations()) * 8 ||
-        host.messages < static_cast<int64_t>(state.iterations()) * 8)
+// Both sides must have made the same host calls: two per event, and the sleep once per block.
+void checkHostCalls(benchmark::State& state, const NullAudioHost& host, int eventsPerBlock) {
+    const auto perEvent = static_cast<int64_t>(state.iterations()) * eventsPerBlock;
+    if (host.received < perEvent || host.messages < perEvent)
         state.SkipWithError("not every value was passed on and reported");
+    else if (host.sleeps < static_cast<int64_t>(state.iterations()))
+        state.SkipWithError("the host was not told every block that the module may sleep");
 }
 
 void idleBlock(benchmark::State& state) {
@@ -180,8 +190,21 @@ void idleBlock(benchmark::State& state) {
     startEnabled(bridge.plugin);
     for (auto _ : state)
         bridge.plugin->process(kBlock, nullptr);
+    checkHostCalls(state, bridge.host, 0);
 }
 BENCHMARK(idleBlock)->Name("BridgeIdleBlock");
+
+void bareIdleBlock(benchmark::State& state) {
+    NullAudioHost host;
+    BareBridge bare(&host);
+    gmpi::IMpPlugin2* plugin = &bare;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(plugin);
+        plugin->process(kBlock, nullptr);
+    }
+    checkHostCalls(state, host, 0);
+}
+BENCHMARK(bareIdleBlock)->Name("BareBridgeIdleBlock");
 
 void eightEvents(benchmark::State& state) {
     DspHalf bridge(L"KX_IntDspGuiBridge");
@@ -192,7 +215,7 @@ void eightEvents(benchmark::State& state) {
         block.fill(value);
         bridge.plugin->process(kBlock, block.events.data());
     }
-    checkTwoCallsPerEvent(state, bridge.host);
+    checkHostCalls(state, bridge.host, 8);
 }
 BENCHMARK(eightEvents)->Name("BridgeBlockWith8Events");
 
@@ -208,7 +231,7 @@ void bareEightEvents(benchmark::State& state) {
         benchmark::DoNotOptimize(plugin);
         plugin->process(kBlock, block.events.data());
     }
-    checkTwoCallsPerEvent(state, host);
+    checkHostCalls(state, host, 8);
 }
 BENCHMARK(bareEightEvents)->Name("BareBridgeBlockWith8Events");
 

@@ -3,7 +3,8 @@
 //   - making the skin's text styles: with no format cached, a client arrives, asks for each of the skin's
 //     styles (the cache makes and keeps one format per style) and leaves, which releases them. Baseline:
 //     the same formats made straight through the same factory (families, size, weight and slant of each
-//     style, the three settings the cache gives a format), then released;
+//     style, the three settings the cache gives a format), each after asking the host where the style
+//     file is, finding the style by name and taking the graphics host's factory, then released;
 //   - reading the style file: the skin's styles parsed from the file's bytes. Baseline: splitting the
 //     same bytes into lines of words, which any reader of the format does first;
 //   - a cached look-up: the format of a style that exists. Baseline: the least a look-up can do for a
@@ -11,6 +12,7 @@
 //     map of formats.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -46,12 +48,22 @@ void SkinStylesThroughCache(benchmark::State& state) {
 
 void SkinStylesDirect(benchmark::State& state) {
     using namespace GmpiDrawing_API;
-    const GmpiDrawing::Factory factory(&hosts().factory);
     const auto& styles = demoStyles();
+    std::vector<std::string> names;
+    for (const auto& style : styles)
+        names.push_back(style.category);
     std::vector<GmpiDrawing::TextFormat> made(styles.size());
     for (auto _ : state) {
-        for (size_t i = 0; i < styles.size(); ++i) {
-            const FontMetadata& s = styles[i];
+        for (size_t i = 0; i < names.size(); ++i) {
+            // What a module asking for a style by name must do itself: learn the skin from its host, find
+            // the style, and take the factory of its graphics host.
+            const std::string skin = kx::resolveResource(&hosts().gui, "global", "ImageMeta");
+            benchmark::DoNotOptimize(skin.data());
+            const FontMetadata& s = *std::find_if(styles.begin(), styles.end(),
+                                                  [&](const FontMetadata& m) { return m.category == names[i]; });
+            IMpFactory* raw = nullptr;
+            hosts().graphics.GetDrawingFactory(&raw);
+            const GmpiDrawing::Factory factory(raw);
             const int32_t weight = (s.flags & FontMetadata::Bold)     ? MP1_FONT_WEIGHT_BOLD
                                    : (s.flags2 & FontMetadata::Light) ? MP1_FONT_WEIGHT_LIGHT
                                                                       : MP1_FONT_WEIGHT_NORMAL;

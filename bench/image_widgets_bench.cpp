@@ -335,6 +335,15 @@ void SecondInstanceLoad(benchmark::State& state) {
     delete first;
 }
 
+// The same widget made and set up the same way with no image to show: what the second widget costs
+// beyond it is finding the shown image.
+void WidgetWithoutImage(benchmark::State& state) {
+    for (auto _ : state) {
+        Widget bare(L"KX_Image", {}, {});
+        benchmark::DoNotOptimize(bare.size);
+    }
+}
+
 // The first widget to show the dial: with no other widget alive the cache is empty, so every round
 // decodes the image (and reads its metadata) again.
 void FirstInstanceLoad(benchmark::State& state) {
@@ -379,5 +388,6 @@ BENCHMARK(DecodeOnly);
 BENCHMARK(HostLoadOnly);
 BENCHMARK(FirstInstanceLoad);
 BENCHMARK(SecondInstanceLoad);
+BENCHMARK(WidgetWithoutImage);
 
 BENCHMARK_MAIN();
