@@ -7,7 +7,8 @@
 // hosts in the same chain: setPin keeps the four bytes, notifyPin compares them with the output's value
 // and, when they differ, stores them and transmits. So both sides make the same four virtual calls per
 // hop (setPin, notifyPin, pinTransmit, and the host's setPin on the next module), and the ratio is what
-// the framework adds to them: the guard, the pin table, the pin objects and the handler call.
+// the framework adds to them: the guard, the pin table, the pin objects and the handler call. A second
+// baseline adds only the guard: what any module pays that keeps exceptions from its host.
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -62,7 +63,11 @@ public:
     int32_t reserved2() override { return gmpi::MP_NOSUPPORT; }
 };
 
-// The baseline's module: In passed to Out with nothing but the interface's own calls.
+// The baseline's module: In passed to Out with nothing but the interface's own calls. With Guard, each
+// entry runs inside a try block that turns an exception into a failure code, as a module must that never
+// lets an exception reach its host: the entry then keeps its frame while the value travels on, where the
+// unguarded one hands over to the host's pinTransmit by a tail call.
+template <bool Guard>
 class BareValve final : public gmpi::IMpUserInterface2B {
 public:
     int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
@@ -85,16 +90,20 @@ public:
     }
     int32_t initialize() override { return gmpi::MP_OK; }
     int32_t setPin(int32_t pinId, int32_t, int32_t size, const void* data) override {
-        if (pinId != In || size != 4)
-            return pinId == Mode ? gmpi::MP_OK : gmpi::MP_FAIL;
-        std::memcpy(&in_, data, 4);
-        return gmpi::MP_OK;
+        return guard([&] {
+            if (pinId != In || size != 4)
+                return pinId == Mode ? gmpi::MP_OK : gmpi::MP_FAIL;
+            std::memcpy(&in_, data, 4);
+            return gmpi::MP_OK;
+        });
     }
     int32_t notifyPin(int32_t pinId, int32_t) override {
-        if (pinId != In || in_ == out_)
-            return gmpi::MP_OK;
-        out_ = in_;
-        return host_->pinTransmit(Out, 4, &out_, 0);
+        return guard([&] {
+            if (pinId != In || in_ == out_)
+                return gmpi::MP_OK;
+            out_ = in_;
+            return host_->pinTransmit(Out, 4, &out_, 0);
+        });
     }
     int32_t receiveMessageFromAudio(int32_t, int32_t, const void*) override { return gmpi::MP_FAIL; }
     int32_t populateContextMenu(float, float, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
@@ -102,6 +111,19 @@ public:
     int32_t getToolTip(float, float, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
 
 private:
+    template <class F>
+    static int32_t guard(F&& f) {
+        if constexpr (Guard) {
+            try {
+                return f();
+            } catch (...) {
+                return gmpi::MP_FAIL;
+            }
+        } else {
+            return f();
+        }
+    }
+
     gmpi::IMpUserInterfaceHost2* host_ = nullptr;
     int32_t in_ = 0;
     int32_t out_ = 0;
@@ -117,7 +139,8 @@ gmpi::IMpUserInterface2B* packValve() {
     return static_cast<gmpi::IMpUserInterface2B*>(face);
 }
 
-gmpi::IMpUserInterface2B* bareValve() { return new BareValve; }
+gmpi::IMpUserInterface2B* bareValve() { return new BareValve<false>; }
+gmpi::IMpUserInterface2B* guardedBareValve() { return new BareValve<true>; }
 
 class ModuleChain {
 public:
@@ -166,5 +189,6 @@ void run(benchmark::State& state, gmpi::IMpUserInterface2B* (*make)()) {
 
 BENCHMARK_CAPTURE(run, CheckValveChain, packValve)->Name("CheckValveChain")->Arg(1)->Arg(100);
 BENCHMARK_CAPTURE(run, BareModuleChain, bareValve)->Name("BareModuleChain")->Arg(1)->Arg(100);
+BENCHMARK_CAPTURE(run, GuardedBareModuleChain, guardedBareValve)->Name("GuardedBareModuleChain")->Arg(1)->Arg(100);
 
 BENCHMARK_MAIN();

@@ -25,6 +25,10 @@ ROWS = [
     ("GUI pin round trip, 1 module", "pin_roundtrip_bench", "CheckValveChain/1", "BareModuleChain/1", "cpu", 1),
     ("GUI pin round trip, chain of 100 modules", "pin_roundtrip_bench", "CheckValveChain/100",
      "BareModuleChain/100", "cpu", 1),
+    ("GUI pin round trip, 1 module, against bare modules that catch exceptions", "pin_roundtrip_bench",
+     "CheckValveChain/1", "GuardedBareModuleChain/1", "cpu", 1),
+    ("GUI pin round trip, chain of 100, against bare modules that catch exceptions", "pin_roundtrip_bench",
+     "CheckValveChain/100", "GuardedBareModuleChain/100", "cpu", 1),
     ("DSP `process`, 64-sample block with 8 events", "dsp_process_bench", "BridgeBlockWith8Events",
      "BareBridgeBlockWith8Events", "cpu", 1),
     ("DSP `process`, idle 64-sample block", "dsp_process_bench", "BridgeIdleBlock", "BareBridgeIdleBlock", "cpu",
@@ -173,12 +177,37 @@ def allocations(programs):
     return lines
 
 
+PEAKS = [
+    ("The loader alone, driven directly", "LoaderAlone"),
+    ("The loader alone in kxhost's session", "ThroughSession/saver:0"),
+    ("The loader wired straight into a saver", "LoaderToSaverDirect"),
+    ("The loader wired to a saver in kxhost's session", "ThroughSession/saver:1"),
+]
+
+
+def peaks(programs):
+    """Peak resident memory of each 64 MB text benchmark, run in a process of its own."""
+    runs = programs.get("host_text_bench", {})
+    lines = ["| 64 MB of text | Peak memory | Peak / text as wide characters |", "|---|---|---|"]
+    for what, name in PEAKS:
+        entry = runs.get(name)
+        if not entry or "error" in entry or "peak_MB" not in entry["counters"]:
+            continue
+        c = entry["counters"]
+        lines.append(f"| {what} | {statistics.median(c['peak_MB']):.0f} MB | "
+                     f"{statistics.median(c['peak_per_text']):.1f} |")
+    return lines if len(lines) > 2 else []
+
+
 def main():
     results, machine, doc = sys.argv[1:4]
     programs = load(results)
     text = [BEGIN, ""]
     text += Path(machine).read_text().rstrip().splitlines()
     text += [""] + table(programs) + [""]
+    peak = peaks(programs)
+    if peak:
+        text += peak + [""]
     alloc = allocations(programs)
     if alloc:
         text += ["Heap allocations inside `process`, every DSP half, each input pin given a new value every",
