@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,7 +30,6 @@ public:
         handler_.indexed = handler;
     }
 
-    explicit operator bool() const { return module_ != nullptr; }
     void operator()(int voice) const {
         if (!module_)
             return;
@@ -122,7 +120,6 @@ public:
     }
     // Runs the handler, if there is one.
     void notify(int voice) const { handler_(voice); }
-    bool hasHandler() const { return static_cast<bool>(handler_); }
 
     int getId() const { return id_; }
     GuiPinOwner* getOwner() const { return owner_; }
