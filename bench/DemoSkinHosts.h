@@ -27,35 +27,14 @@ public:
     }
 };
 
-// The graphics host of a module on the benchmark's panel: kxhost's drawing factory, nothing else.
-class GraphicsHost final : public gmpi_gui::IMpGraphicsHost {
+// The graphics host of a module on the benchmark's panel: the tests' graphics host, with kxhost's drawing
+// factory in place of the recording one.
+class GraphicsHost final : public kxtest::FakeGraphicsHost {
 public:
-    GraphicsHost(kxtest::FakeSkinHost& gui, kxhost::draw::Factory& factory) : gui_(gui), factory_(factory) {}
-    gmpi::IMpUnknown* unknown() { return this; }
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        if (gmpi_gui::isGraphicsHostIid(iid)) {
-            *out = static_cast<gmpi_gui::IMpGraphicsHost*>(this);
-            return gmpi::MP_OK;
-        }
-        return gui_.queryInterface(iid, out);
-    }
-    int32_t addRef() override { return 1; }
-    int32_t release() override { return 1; }
-    int32_t getDrawingScale(float& s) override { return s = 1, gmpi::MP_OK; }
-    int32_t getLayoutRect(GmpiDrawing_API::MP1_RECT&) override { return gmpi::MP_FAIL; }
-    void invalidateRect(const GmpiDrawing_API::MP1_RECT*) override {}
-    void invalidateMeasure() override {}
-    int32_t setCapture() override { return gmpi::MP_OK; }
-    int32_t getCapture(int32_t& v) override { return v = 0, gmpi::MP_OK; }
-    int32_t releaseCapture() override { return gmpi::MP_OK; }
-    int32_t createFileDialog(int32_t, gmpi::IMpUnknown** out) override { return *out = nullptr, gmpi::MP_FAIL; }
-    int32_t createPlatformTextEdit(const GmpiDrawing_API::MP1_RECT*, gmpi::IMpUnknown** out) override {
-        return *out = nullptr, gmpi::MP_FAIL;
-    }
+    GraphicsHost(kxtest::FakeGuiHost& gui, kxhost::draw::Factory& factory) : FakeGraphicsHost(gui), factory_(factory) {}
     void GetDrawingFactory(GmpiDrawing_API::IMpFactory** f) override { *f = &factory_; }
 
 private:
-    kxtest::FakeSkinHost& gui_;
     kxhost::draw::Factory& factory_;
 };
 
