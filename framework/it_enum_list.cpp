@@ -55,18 +55,34 @@ it_enum_list::it_enum_list(const std::wstring& list) : listText_(list) {
 
 void it_enum_list::First() {
     if (rangeMode_) {
-        id = position_ == INT_MIN ? INT_MIN : position_ - 1;
-    } else {
-        position_ = 0;
-        id = -1;
+        // Set directly rather than counted on to from the value before it: a range that starts at INT_MIN
+        // has no value before it.
+        setRangeItem(0);
+        return;
     }
+    position_ = 0;
+    id = -1;
     index = -1;
     Next();
 }
 
+bool it_enum_list::setRangeItem(long long offset) {
+    const long long value = static_cast<long long>(position_) + offset;
+    if (offset < 0 || value > rangeHigh_) {
+        index = -1;
+        return false;
+    }
+    index = offset > INT_MAX ? INT_MAX : static_cast<int>(offset);
+    id = static_cast<int>(value);
+    wchar_t buffer[16];
+    std::swprintf(buffer, 16, L"%d", id);
+    text = buffer;
+    return true;
+}
+
 void it_enum_list::Next() {
     if (rangeMode_) {
-        ++index;
+        index = index == INT_MAX ? INT_MAX : index + 1;
         if (id == INT_MAX || id >= rangeHigh_) {
             index = -1;  // also ends a range whose high value is INT_MAX without overflowing
             return;
@@ -127,6 +143,8 @@ bool it_enum_list::IsSeparator() const {
 }
 
 bool it_enum_list::FindIndex(int wanted) {
+    if (rangeMode_)
+        return setRangeItem(wanted);  // a range holds no separators
     for (First(); !IsDone(); Next()) {
         if (index == wanted && !IsSeparator())
             return true;
@@ -135,6 +153,8 @@ bool it_enum_list::FindIndex(int wanted) {
 }
 
 bool it_enum_list::FindValue(int value) {
+    if (rangeMode_)
+        return value >= position_ && setRangeItem(static_cast<long long>(value) - position_);
     for (First(); !IsDone(); Next()) {
         if (id == value && !IsSeparator())
             return true;

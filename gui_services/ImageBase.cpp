@@ -1,17 +1,10 @@
 #include "ImageBase.h"
 
+#include "ContextMenu.h"
 #include "TextCodec.h"
-#include "gmpi/IMpContextItemSink.h"
-#include "it_enum_list.h"
 
 int32_t ImageBase::populateContextMenu(float, float, gmpi::IMpUnknown* contextMenuItemsSink) {
-    auto sink = gmpi_sdk::queryAs<gmpi::IMpContextItemSink>(contextMenuItemsSink, gmpi::MP_IID_CONTEXT_ITEMS_SINK);
-    if (!sink)
-        return gmpi::MP_FAIL;
-    it_enum_list it(pinMenuItems.getValue());
-    for (it.First(); !it.IsDone(); it.Next())
-        sink->AddItem(kx::toUtf8(it.CurrentItem()->text).c_str(), it.CurrentItem()->id, 0);
-    return gmpi::MP_OK;
+    return kx::addMenuItems(contextMenuItemsSink, pinMenuItems.getValue());
 }
 
 int32_t ImageBase::onContextMenu(int32_t selection) {
