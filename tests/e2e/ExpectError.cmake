@@ -1,11 +1,12 @@
 # Runs kxhost on a patch that must fail: checks a non-zero exit and the message given in the patch's
 # "# error: REGEX" line(s). "# args: ..." adds kxhost arguments (%DIR% is the patch's folder);
-# "# command: ..." replaces "run PATCH" (for listing).
+# "# command: ..." replaces "run PATCH" (for listing); "# exit: N" requires that exit status.
 cmake_minimum_required(VERSION 3.25)
 get_filename_component(dir ${PATCH} DIRECTORY)
 file(STRINGS ${PATCH} errors REGEX "^# error: ")
 file(STRINGS ${PATCH} args REGEX "^# args: ")
 file(STRINGS ${PATCH} command REGEX "^# command: ")
+file(STRINGS ${PATCH} status REGEX "^# exit: ")
 if(NOT errors)
   message(FATAL_ERROR "${PATCH} has no '# error: ' line")
 endif()
@@ -30,6 +31,12 @@ if(rc EQUAL 0)
 endif()
 if(NOT rc MATCHES "^[0-9]+$")
   message(FATAL_ERROR "kxhost did not exit normally: ${rc}")
+endif()
+if(status)
+  string(REGEX REPLACE "^# exit: " "" status "${status}")
+  if(NOT rc EQUAL status)
+    message(FATAL_ERROR "kxhost exited with ${rc}, not ${status}")
+  endif()
 endif()
 foreach(expected IN LISTS errors)
   string(REGEX REPLACE "^# error: " "" expected "${expected}")

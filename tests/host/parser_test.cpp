@@ -107,3 +107,29 @@ TEST(PatchParser, UnknownKeywordsReachRegisteredHandlers) {
     ASSERT_EQ(p.scenario.size(), 1u);
     EXPECT_EQ(p.scenario[0].name, "test-step");
 }
+
+// Names are found through indexes, not by scanning what was declared before: forty thousand instances
+// with a wire and a parameter each once took seconds. The test is the size, not a timing.
+TEST(PatchParser, FortyThousandNamesResolve) {
+    constexpr int n = 40000;
+    std::string text;
+    for (int i = 0; i < n; ++i)
+        text += "instance a" + std::to_string(i) + " T_AddOne\n";
+    for (int i = 0; i + 1 < n; ++i)
+        text += "wire a" + std::to_string(i) + ".Out -> a" + std::to_string(i + 1) + ".In\n";
+    for (int i = 0; i < n; i += 2)
+        text += "param p" + std::to_string(i) + " a" + std::to_string(i) + ".In\n";
+    const Patch p = parse(text);
+    EXPECT_EQ(p.instances.size(), size_t(n));
+    EXPECT_EQ(p.wires.size(), size_t(n - 1));
+    ASSERT_NE(p.instance("a39999"), nullptr);
+    EXPECT_EQ(p.instance("a39999")->name, "a39999");
+    ASSERT_NE(p.paramOf({"a39998", Side::Gui, 0}), nullptr);
+    EXPECT_EQ(p.paramOf({"a39998", Side::Gui, 0})->name, "p39998");
+    EXPECT_EQ(p.paramOf({"a39999", Side::Gui, 0}), nullptr);
+
+    // The small cases above check each kind of repeat; here one at the end of the large patch.
+    EXPECT_EQ(errorOf(text + "wire a5.Out -> a6.In"), "p.kxp:" + std::to_string(2 * n - 1 + n / 2 + 1) +
+                                                          ": a5.Out is already wired to a6.In at line " +
+                                                          std::to_string(n + 6));
+}
