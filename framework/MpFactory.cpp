@@ -41,6 +41,14 @@ int32_t MpFactory::RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_C
     return gmpi::MP_OK;
 }
 
+std::vector<std::pair<int32_t, std::wstring>> MpFactory::registrations() const {
+    std::vector<std::pair<int32_t, std::wstring>> out;
+    out.reserve(registry_.size());
+    for (const auto& entry : registry_)
+        out.push_back(entry.first);
+    return out;
+}
+
 int32_t MpFactory::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
     if (!returnInterface)
         return gmpi::MP_NOSUPPORT;

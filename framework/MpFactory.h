@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "HostBoundary.h"
 #include "gmpi/IMpFactory.h"
@@ -28,6 +29,9 @@ public:
 
     // Enters a creator under (subType, id); a second registration of the same pair is ignored.
     int32_t RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_CreateFunc2 create);
+    // Every registered (subType, id), by side, then by identifier: what tools that drive every module
+    // (the fuzzer) choose from.
+    std::vector<std::pair<int32_t, std::wstring>> registrations() const;
 
     virtual ~MpFactory() = default;
 
