@@ -1,4 +1,5 @@
-// kxhost: runs patches against the module bundle and lists what the bundle and its descriptions offer.
+// kxhost: runs patches against the module bundle, shows their panels live, and lists what the bundle and
+// its descriptions offer.
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
@@ -9,6 +10,7 @@
 #include "patch/Error.h"
 #include "session/Bundle.h"
 #include "session/Session.h"
+#include "show/Show.h"
 #include "validate/Validate.h"
 
 namespace {
@@ -27,6 +29,22 @@ struct Paths {
         return descriptions.empty() ? bundlePath().parent_path() / "descriptions" : std::filesystem::path(descriptions);
     }
 };
+
+int showLive(const Paths& paths, const std::string& patchFile, const ShowOptions& options) {
+    const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
+    const Patch patch = parsePatchFile(patchFile, catalogue);
+    Bundle bundle(paths.bundlePath());
+    return show(bundle, patch, options, std::cout, std::cerr);
+}
+
+void makeOutputFolder(const std::string& output) {
+    if (output.empty())
+        return;
+    std::error_code ec;
+    std::filesystem::create_directories(output, ec);
+    if (!std::filesystem::is_directory(output))
+        throw HostError("cannot make the output folder " + output);
+}
 
 int run(const Paths& paths, const std::string& patchFile, const std::string& output) {
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
@@ -91,6 +109,15 @@ int main(int argc, char** argv) {
     runCmd->add_option("--out,--output", output,
                        "folder the run writes its files (snapshot PNGs) into, made if missing (default: the current "
                        "folder)");
+    ShowOptions showOptions;
+    auto* showCmd = app.add_subcommand(
+        "show",
+        "open a patch's panel in a window, live: its widgets take the pointer, its timers run, its pin "
+        "traffic is printed; closing the window checks that every module and host object is released");
+    showCmd->add_option("PATCH", patchFile, "the patch file")->required();
+    showCmd->add_flag("--play", showOptions.play,
+                      "play the patch's scenario once the window is up (default: only its set-up runs)");
+    showCmd->add_option("--out,--output", output, "folder a played scenario writes its snapshots into");
     auto* listCmd =
         app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
     validate::Options validateOptions;
@@ -108,13 +135,13 @@ int main(int argc, char** argv) {
 
     try {
         if (*runCmd) {
-            if (!output.empty()) {
-                std::error_code ec;
-                std::filesystem::create_directories(output, ec);
-                if (!std::filesystem::is_directory(output))
-                    throw HostError("cannot make the output folder " + output);
-            }
+            makeOutputFolder(output);
             return run(paths, patchFile, output);
+        }
+        if (*showCmd) {
+            makeOutputFolder(output);
+            showOptions.output = output;
+            return showLive(paths, patchFile, showOptions);
         }
         if (*listCmd)
             return list(paths);

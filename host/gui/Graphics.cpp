@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <sstream>
+#include <utility>
 
 #include "gmpi/IMpCompletionHandler.h"
 #include "gmpi/IString.h"
@@ -49,6 +50,7 @@ public:
         handler_->OnComplete(answer ? gmpi::MP_OK : gmpi::MP_FAIL);
     }
     std::string describe() const override { return object_->describe(); }
+    std::variant<FileDialogRequest, TextEditRequest> details() const override { return object_->request(); }
 
 private:
     Object* object_;
@@ -58,17 +60,19 @@ private:
 class FileDialog final : public CountedObject<gmpi_gui::IMpPlatformFileDialog> {
 public:
     FileDialog(Panel& panel, int32_t type)
-        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG), panel_(panel), type_(type) {}
-    int32_t AddExtension(const char* extension, const char*) override {
-        extensions_.push_back(extension ? extension : "");
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG), panel_(panel) {
+        request_.save = type == gmpi_gui::MP_PLATFORM_FILE_SAVE;
+    }
+    int32_t AddExtension(const char* extension, const char* description) override {
+        request_.filters.push_back({extension ? extension : "", description ? description : ""});
         return gmpi::MP_OK;
     }
     int32_t SetInitialFilename(const char* text) override {
-        initialName_ = text ? text : "";
+        request_.initialName = text ? text : "";
         return gmpi::MP_OK;
     }
     int32_t setInitialDirectory(const char* text) override {
-        initialFolder_ = text ? text : "";
+        request_.initialFolder = text ? text : "";
         return gmpi::MP_OK;
     }
     int32_t ShowAsync(gmpi::IMpUnknown* handler) override {
@@ -83,31 +87,32 @@ public:
     }
 
     void answered(const ScriptedAnswer& a) { selected_ = a.value_or(""); }
+    const FileDialogRequest& request() const { return request_; }
     std::string describe() const {
         std::string exts;
-        for (const auto& e : extensions_)
-            exts += (exts.empty() ? "" : ",") + e;
-        return std::string(type_ == gmpi_gui::MP_PLATFORM_FILE_SAVE ? "save" : "open") + " dialog [" + exts +
-               "] initial '" + initialName_ + "' in '" + initialFolder_ + "'";
+        for (const auto& f : request_.filters)
+            exts += (exts.empty() ? "" : ",") + f.extension;
+        return std::string(request_.save ? "save" : "open") + " dialog [" + exts + "] initial '" +
+               request_.initialName + "' in '" + request_.initialFolder + "'";
     }
 
 private:
     Panel& panel_;
-    int32_t type_;
-    std::vector<std::string> extensions_;
-    std::string initialName_, initialFolder_, selected_;
+    FileDialogRequest request_;
+    std::string selected_;
 };
 
 class TextEdit final : public CountedObject<gmpi_gui::IMpPlatformText> {
 public:
-    TextEdit(Panel& panel, MP1_RECT rect)
-        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT), panel_(panel), rect_(rect) {}
+    TextEdit(Panel& panel, MP1_RECT rect) : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT), panel_(panel) {
+        request_.rect = rect;
+    }
     int32_t SetText(const char* text) override {
-        text_ = text ? text : "";
+        request_.text = text ? text : "";
         return gmpi::MP_OK;
     }
     int32_t GetText(gmpi::IMpUnknown* returnString) override {
-        return writeString(returnString, text_) ? gmpi::MP_OK : gmpi::MP_FAIL;
+        return writeString(returnString, request_.text) ? gmpi::MP_OK : gmpi::MP_FAIL;
     }
     int32_t ShowAsync(gmpi::IMpUnknown* handler) override {
         auto* h = completionHandler(handler);
@@ -117,32 +122,31 @@ public:
         return gmpi::MP_OK;
     }
     int32_t SetAlignment(int32_t alignment) override {
-        alignment_ = alignment;
+        request_.alignment = alignment;
         return gmpi::MP_OK;
     }
     int32_t SetTextSize(float height) override {
-        size_ = height;
+        request_.textSize = height;
         return gmpi::MP_OK;
     }
 
     // A cancelled edit leaves the text as it was set.
     void answered(const ScriptedAnswer& a) {
         if (a)
-            text_ = *a;
+            request_.text = *a;
     }
+    const TextEditRequest& request() const { return request_; }
     std::string describe() const {
+        const MP1_RECT& r = request_.rect;
         std::ostringstream s;
-        s << "text editor '" << text_ << "' at (" << rect_.left << "," << rect_.top << "," << rect_.right << ","
-          << rect_.bottom << ") size " << size_ << " alignment 0x" << std::hex << alignment_;
+        s << "text editor '" << request_.text << "' at (" << r.left << "," << r.top << "," << r.right << "," << r.bottom
+          << ") size " << request_.textSize << " alignment 0x" << std::hex << request_.alignment;
         return s.str();
     }
 
 private:
     Panel& panel_;
-    MP1_RECT rect_;
-    std::string text_;
-    int32_t alignment_ = 0;
-    float size_ = 0;
+    TextEditRequest request_;
 };
 
 }  // namespace
@@ -171,9 +175,17 @@ int32_t GraphicsHost::getLayoutRect(MP1_RECT& returnRect) {
     return gmpi::MP_OK;
 }
 
-void GraphicsHost::invalidateRect(const MP1_RECT*) { ++invalidations; }
+void GraphicsHost::invalidateRect(const MP1_RECT*) {
+    ++invalidations;
+    if (panel_.repaintNeeded)
+        panel_.repaintNeeded();
+}
 
-void GraphicsHost::invalidateMeasure() { panel_.requestLayout(); }
+void GraphicsHost::invalidateMeasure() {
+    panel_.requestLayout();
+    if (panel_.repaintNeeded)
+        panel_.repaintNeeded();
+}
 
 int32_t GraphicsHost::setCapture() {
     panel_.capture = this;
@@ -219,8 +231,10 @@ Panel::~Panel() { releaseModules(); }
 
 void Panel::releaseModules() {
     // Requests still open hold module objects; they go without a call back.
-    openFile_.clear();
-    openText_.clear();
+    for (auto* open : {&openFile_, &openText_})
+        for (const auto& request : std::exchange(*open, {}))
+            if (presenter_)
+                presenter_->withdraw(*request);
     due_.clear();
     capture = nullptr;
     for (auto& h : hosts_) {
@@ -267,6 +281,17 @@ void Panel::layout(bool force) {
     }
 }
 
+MP1_SIZE Panel::size() {
+    layout();
+    if (decl_.size)
+        return *decl_.size;
+    MP1_SIZE size{1, 1};
+    for (auto& h : hosts_)
+        if (h->rect && h->graphics)
+            size = {std::max(size.width, h->rect->right), std::max(size.height, h->rect->bottom)};
+    return size;
+}
+
 cairo_surface_t* Panel::render(const std::string& instance) {
     layout();
     auto paint = [&](cairo_t* cr, GraphicsHost& h, double originX, double originY) {
@@ -298,14 +323,7 @@ cairo_surface_t* Panel::render(const std::string& instance) {
         return s;
     }
 
-    MP1_SIZE size{1, 1};
-    if (decl_.size) {
-        size = *decl_.size;
-    } else {
-        for (auto& h : hosts_)
-            if (h->rect && h->graphics)
-                size = {std::max(size.width, h->rect->right), std::max(size.height, h->rect->bottom)};
-    }
+    const MP1_SIZE size = this->size();
     cairo_surface_t* s =
         cairo_image_surface_create(CAIRO_FORMAT_ARGB32, std::max(1, static_cast<int>(std::ceil(size.width))),
                                    std::max(1, static_cast<int>(std::ceil(size.height))));
@@ -367,7 +385,9 @@ void Panel::shown(bool fileDialog, std::shared_ptr<PendingRequest> request) {
         return;
     }
     trace("shown, waiting for an answer: " + request->describe());
-    (fileDialog ? openFile_ : openText_).push_back(std::move(request));
+    (fileDialog ? openFile_ : openText_).push_back(request);
+    if (presenter_)
+        presenter_->present(request);
 }
 
 void Panel::answer(bool fileDialog, const ScriptedAnswer& a) {
@@ -378,8 +398,22 @@ void Panel::answer(bool fileDialog, const ScriptedAnswer& a) {
     }
     auto request = open.front();
     open.pop_front();
+    if (presenter_)
+        presenter_->withdraw(*request);
     due_.emplace_back(std::move(request), a);
     runCompletions();
+}
+
+void Panel::complete(const PendingRequest& request, const ScriptedAnswer& a) {
+    for (auto* open : {&openFile_, &openText_}) {
+        auto it = std::find_if(open->begin(), open->end(), [&](const auto& r) { return r.get() == &request; });
+        if (it == open->end())
+            continue;
+        due_.emplace_back(std::move(*it), a);
+        open->erase(it);
+        runCompletions();
+        return;
+    }
 }
 
 void Panel::answerFileDialog(const ScriptedAnswer& a) { answer(true, a); }

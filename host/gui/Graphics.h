@@ -1,6 +1,7 @@
 // The host's panel: graphic instances laid out on it, each with a graphics host of its own
 // (invalidation, pointer capture, file dialog and text editor), pointer events routed by hit testing,
-// and rendering into images (which the session writes as PNG). File dialogs and text editors answer from a script.
+// and rendering into images (which the session writes as PNG). File dialogs and text editors answer from a
+// script, or from a user when a presenter (the live window) shows them.
 #pragma once
 
 #include <cairo.h>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "gmpi/IMpGraphics.h"
@@ -73,6 +75,24 @@ private:
     std::string name_;
 };
 
+// What a module asked a file dialog to show.
+struct FileDialogRequest {
+    bool save = false;
+    struct Filter {
+        std::string extension, description;
+    };
+    std::vector<Filter> filters;
+    std::string initialName, initialFolder;
+};
+
+// What a module asked a text editor to show; the rectangle is in panel coordinates.
+struct TextEditRequest {
+    std::string text;
+    GmpiDrawing_API::MP1_RECT rect{0, 0, 0, 0};
+    float textSize = 0;
+    int32_t alignment = 0;
+};
+
 // A request shown to the user and not yet completed.
 class PendingRequest {
 public:
@@ -80,6 +100,16 @@ public:
     // Completes with the answer (nullopt: cancelled).
     virtual void complete(const ScriptedAnswer& answer) = 0;
     virtual std::string describe() const = 0;
+    virtual std::variant<FileDialogRequest, TextEditRequest> details() const = 0;
+};
+
+// Shows open requests to a user. The panel keeps every open request; the presenter answers one through
+// Panel::complete, and is told to withdraw one that was answered otherwise (a scripted step) or dropped.
+class RequestPresenter {
+public:
+    virtual ~RequestPresenter() = default;
+    virtual void present(const std::shared_ptr<PendingRequest>& request) = 0;
+    virtual void withdraw(const PendingRequest& request) = 0;
 };
 
 class Panel {
@@ -94,6 +124,8 @@ public:
 
     // Measures and arranges the placed instances when something asked for it (or always with force).
     void layout(bool force = false);
+    // The panel's size: the declared one, else the bounding box of the arranged placements (at least 1 x 1).
+    GmpiDrawing_API::MP1_SIZE size();
     // Renders the panel, or one instance on a transparent background of its own size. Null when the
     // instance is not placed and arranged.
     cairo_surface_t* render(const std::string& instance = {});
@@ -111,6 +143,14 @@ public:
     // Drops the references to the modules' graphics faces and any open request (before the modules go).
     void releaseModules();
 
+    // A user answers requests through the presenter (not owned; null: only the script answers). Scripted
+    // answers still come first: one queued before a request is shown takes it without showing it.
+    void setPresenter(RequestPresenter* presenter) { presenter_ = presenter; }
+    // The presenter's answer to an open request; ignored when the request was answered meanwhile.
+    void complete(const PendingRequest& request, const ScriptedAnswer& answer);
+    // Called whenever an instance asks for a repaint or a new layout (the live window queues a redraw).
+    std::function<void()> repaintNeeded;
+
     // Called by graphics hosts and host objects.
     void requestLayout() { layoutDirty_ = true; }
     GraphicsHost* capture = nullptr;
@@ -127,6 +167,7 @@ private:
     std::deque<ScriptedAnswer> fileAnswers_, textAnswers_;
     std::deque<std::shared_ptr<PendingRequest>> openFile_, openText_;
     std::vector<std::pair<std::shared_ptr<PendingRequest>, ScriptedAnswer>> due_;
+    RequestPresenter* presenter_ = nullptr;
 };
 
 }  // namespace kxhost

@@ -18,6 +18,7 @@
 #include "gui/Graphics.h"
 #include "patch/Registry.h"
 #include "render/Png.h"
+#include "session/PanelSide.h"
 #include "session/Session.h"
 
 namespace kxhost {
@@ -89,10 +90,10 @@ public:
 };
 
 Panel& panelOf(Session& s) {
-    auto* e = s.extension<GraphicsExtension>();
-    if (!e || !e->panel)
+    Panel* panel = findPanel(s);
+    if (!panel)
         throw HostError("the panel is not set up");  // only before start, which steps never see
-    return *e->panel;
+    return *panel;
 }
 
 // panel W H [#RRGGBB | #AARRGGBB]
@@ -301,6 +302,20 @@ Action compileExpectInvalidated(Parser& p, const Line& line) {
 
 Action compileFileAnswer(Parser& p, const Line& line) { return compileAnswer(p, line, true); }
 Action compileTextAnswer(Parser& p, const Line& line) { return compileAnswer(p, line, false); }
+
+}  // namespace
+
+Panel* findPanel(Session& s) {
+    auto* e = s.extension<GraphicsExtension>();
+    return e ? e->panel.get() : nullptr;
+}
+
+bool hasPanel(const Patch& patch) {
+    const PanelDecl& decl = panelDecl(patch);
+    return decl.size || !decl.placements.empty();
+}
+
+namespace {
 
 const bool registered =
     Extensions::add([] { return std::make_unique<GraphicsExtension>(); }) && Directives::add("panel", panelDirective) &&

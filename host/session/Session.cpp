@@ -64,11 +64,15 @@ private:
 Instance::Instance(Session& s, const InstanceDecl& d, int32_t h)
     : session(s), decl(d), handle(h), guiHost_(std::make_unique<InstanceHost>(*this, offered_)) {}
 
-Instance::~Instance() {
-    if (gui)
-        gui->release();
-    if (dsp)
-        dsp->release();
+Instance::~Instance() { release(); }
+
+int Instance::release() {
+    int kept = 0;
+    for (gmpi::IMpUnknown* half :
+         {static_cast<gmpi::IMpUnknown*>(std::exchange(gui, nullptr)), std::exchange(dsp, nullptr)})
+        if (half && half->release() != 0)
+            ++kept;
+    return kept;
 }
 
 // ---- Session
@@ -79,13 +83,21 @@ Session::Session(Bundle& bundle, const Patch& patch, std::ostream& out, std::ost
         extensions_.push_back(make());
 }
 
-Session::~Session() {
-    closing_ = true;
-    for (auto& e : extensions_)
-        e->finishing(*this);
+Session::~Session() { close(); }
+
+int Session::close() {
+    if (!closing_) {
+        closing_ = true;
+        for (auto& e : extensions_)
+            e->finishing(*this);
+    }
     // Modules go first (in reverse creation order), while the host objects they hold still exist.
-    while (!instances_.empty())
+    int kept = 0;
+    while (!instances_.empty()) {
+        kept += instances_.back()->release();
         instances_.pop_back();
+    }
+    return kept;
 }
 
 Instance* Session::instance(const std::string& name) {

@@ -31,6 +31,8 @@ public:
 
     const std::string& name() const { return decl.name; }
     const ModuleInfo& module() const { return *decl.module; }
+    // Releases both halves; the number whose release left a reference (answered a count above 0).
+    int release();
 
     // Extra interfaces the GUI half's host object answers in queryInterface, beyond the GUI host faces.
     // The face must outlive the instance's modules (extensions keep them in their own state).
@@ -57,6 +59,9 @@ public:
     bool runScenario();
     // start() and runScenario(), then a summary line.
     bool run();
+    // Tells the extensions the session is finishing and releases every module, last created first (the
+    // destructor does so too). The number of module halves whose release left a reference.
+    int close();
 
     // ---- for steps
     // A value from outside (the scenario): into the pin, or, when the pin is bound to a parameter,

@@ -5,14 +5,15 @@
 # docs/host-internals.md. Run with -DHOST_DIR=<the host folder>.
 cmake_minimum_required(VERSION 3.25)
 
-set(parts patch render audio gui session validate cli)
+set(parts patch render audio gui session validate show cli)
 set(uses_patch "")
 set(uses_render "")
 set(uses_audio "")
 set(uses_gui render patch)
 set(uses_session patch gui render audio)
 set(uses_validate session patch gui render)
-set(uses_cli session validate patch)
+set(uses_show session gui render patch)
+set(uses_cli session validate show patch)
 
 string(JOIN ", " part_names ${parts})
 file(GLOB_RECURSE sources RELATIVE ${HOST_DIR} ${HOST_DIR}/*.h ${HOST_DIR}/*.cpp)

@@ -417,3 +417,76 @@ TEST_F(RenderPanel, DialogAnswersCompleteAfterTheModulesCallOrAtOnce) {
     EXPECT_EQ(chosen.s, "after");
     editor->release();
 }
+
+namespace {
+
+// Records what the panel asks a presenter to show and to take down (the panel keeps the requests).
+struct Presenter final : kxhost::RequestPresenter {
+    std::vector<const kxhost::PendingRequest*> shown;
+    std::vector<kxhost::FileDialogRequest> asked;
+    std::vector<const kxhost::PendingRequest*> withdrawn;
+    void present(const std::shared_ptr<kxhost::PendingRequest>& r) override {
+        shown.push_back(r.get());
+        asked.push_back(std::get<kxhost::FileDialogRequest>(r->details()));
+    }
+    void withdraw(const kxhost::PendingRequest& r) override { withdrawn.push_back(&r); }
+};
+
+}  // namespace
+
+TEST_F(RenderPanel, PresenterShowsWhatNoScriptAnswersAndLearnsOfEveryOtherEnd) {
+    Presenter presenter;
+    panel->setPresenter(&presenter);
+    int repaints = 0;
+    panel->repaintNeeded = [&] { ++repaints; };
+    panel->host("lower")->invalidateRect(nullptr);
+    panel->host("lower")->invalidateMeasure();
+    EXPECT_EQ(repaints, 2);
+
+    gmpi::IMpUnknown* object = nullptr;
+    void* face = nullptr;
+    ASSERT_EQ(panel->host("lower")->createFileDialog(gmpi_gui::MP_PLATFORM_FILE_SAVE, &object), gmpi::MP_OK);
+    ASSERT_EQ(object->queryInterface(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG, &face), gmpi::MP_OK);
+    object->release();
+    auto* dialog = static_cast<gmpi_gui::IMpPlatformFileDialog*>(face);
+    dialog->AddExtension("wav", "Wave files");
+    dialog->SetInitialFilename("take.wav");
+    dialog->setInitialDirectory("/songs");
+    Handler handler;
+    Text chosen;
+
+    // Shown to the user with what the module asked for; the user's answer completes it.
+    dialog->ShowAsync(&handler);
+    ASSERT_EQ(presenter.shown.size(), 1u);
+    const auto& asked = presenter.asked[0];
+    EXPECT_TRUE(asked.save);
+    ASSERT_EQ(asked.filters.size(), 1u);
+    EXPECT_EQ(asked.filters[0].description, "Wave files");
+    EXPECT_EQ(asked.initialName + " in " + asked.initialFolder, "take.wav in /songs");
+    panel->complete(*presenter.shown[0], std::string("/songs/new.wav"));
+    ASSERT_EQ(handler.results, std::vector<int32_t>{0});
+    dialog->GetSelectedFilename(&chosen);
+    EXPECT_EQ(chosen.s, "/songs/new.wav");
+
+    // A scripted step answers an open one: the presenter takes it down.
+    dialog->ShowAsync(&handler);
+    panel->answerFileDialog(std::nullopt);
+    ASSERT_EQ(presenter.withdrawn.size(), 1u);
+    EXPECT_EQ(presenter.withdrawn[0], presenter.shown[1]);
+    EXPECT_EQ(handler.results, (std::vector<int32_t>{0, -1}));
+
+    // An answer queued before the dialog shows takes it without the user.
+    panel->answerFileDialog(std::string("/songs/queued.wav"));
+    dialog->ShowAsync(&handler);
+    panel->runCompletions();
+    EXPECT_EQ(presenter.shown.size(), 2u);
+    EXPECT_EQ(handler.results.size(), 3u);
+
+    // Releasing the modules drops what is open, without a call back, and takes it down.
+    dialog->ShowAsync(&handler);
+    dialog->release();
+    panel->releaseModules();
+    EXPECT_EQ(presenter.withdrawn.size(), 2u);
+    EXPECT_EQ(handler.results.size(), 3u);
+    panel->setPresenter(nullptr);
+}
