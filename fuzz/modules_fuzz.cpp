@@ -37,7 +37,6 @@
 #include "MpString.h"
 #include "PackCatalogue.h"
 #include "TextCodec.h"
-#include "gmpi/IMpContextItemSink.h"
 #include "gmpi/IMpDrawingFactory.h"
 #include "gmpi/IMpGraphics.h"
 #include "gmpi/IMpLegacyInitialization.h"
@@ -144,26 +143,6 @@ public:
 private:
     kxhost::Panel& panel_;
     kxhost::GraphicsHost& graphics_;
-};
-
-class MenuSink final : public gmpi::IMpContextItemSink {
-public:
-    std::vector<int32_t> ids;
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        *out = nullptr;
-        if (!gmpi::isUnknownIid(iid) && !(iid == gmpi::MP_IID_CONTEXT_ITEMS_SINK))
-            return gmpi::MP_NOSUPPORT;
-        *out = this;
-        return gmpi::MP_OK;
-    }
-    int32_t addRef() override { return 1; }
-    int32_t release() override { return 1; }
-    int32_t AddItem(const char* text, int32_t id, int32_t) override {
-        KX_FUZZ_CHECK(text != nullptr);
-        (void)std::strlen(text);  // the host copies the text
-        ids.push_back(id);
-        return gmpi::MP_OK;
-    }
 };
 
 // ---- values
@@ -404,12 +383,12 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
                 break;
             }
             case 10: {
-                MenuSink sink;
+                kxtest::RecordingMenuSink sink;
                 gui->populateContextMenu(oddFloat(in), oddFloat(in), &sink);
-                KX_FUZZ_CHECK(sink.ids.size() <= 1001);
+                KX_FUZZ_CHECK(sink.entries.size() <= 1001);
                 int32_t choice = oddInt(in);
-                if (!sink.ids.empty() && in.chance(200))
-                    choice = sink.ids[static_cast<size_t>(in.pick(static_cast<int>(sink.ids.size())))];
+                if (!sink.entries.empty() && in.chance(200))
+                    choice = sink.entries[static_cast<size_t>(in.pick(static_cast<int>(sink.entries.size())))].id;
                 gui->onContextMenu(choice);
                 break;
             }

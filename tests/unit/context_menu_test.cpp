@@ -4,39 +4,14 @@
 #include <vector>
 
 #include "ContextMenu.h"
-#include "gmpi/IMpContextItemSink.h"
+#include "FakeGuiHost.h"
 #include "it_enum_list.h"
 
-namespace {
-
-struct Entry {
-    std::string text;
-    int32_t id;
-    bool operator==(const Entry&) const = default;
-};
-
-class RecordingSink final : public gmpi::IMpContextItemSink {
-public:
-    std::vector<Entry> entries;
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        *out = nullptr;
-        if (!gmpi::isUnknownIid(iid) && !(iid == gmpi::MP_IID_CONTEXT_ITEMS_SINK))
-            return gmpi::MP_NOSUPPORT;
-        *out = this;
-        return gmpi::MP_OK;
-    }
-    int32_t addRef() override { return 1; }
-    int32_t release() override { return 1; }
-    int32_t AddItem(const char* text, int32_t id, int32_t) override {
-        entries.push_back({text, id});
-        return gmpi::MP_OK;
-    }
-};
-
-}  // namespace
+using kxtest::RecordingMenuSink;
+using Entry = RecordingMenuSink::Entry;
 
 TEST(ContextMenu, OneEntryPerItemWithItsValue) {
-    RecordingSink sink;
+    RecordingMenuSink sink;
     EXPECT_EQ(kx::addMenuItems(&sink, L"Copy=3,----,Paste"), gmpi::MP_OK);
     EXPECT_EQ(sink.entries, (std::vector<Entry>{{"Copy", 3}, {"----", 4}, {"Paste", 5}}));
     EXPECT_EQ(kx::addMenuItems(nullptr, L"a"), gmpi::MP_FAIL);
@@ -45,7 +20,7 @@ TEST(ContextMenu, OneEntryPerItemWithItsValue) {
 // A range names billions of values in a few characters: the menu stops at the cap and its last entry
 // says so; choosing that entry selects nothing (-1 is the selection pin's rest value).
 TEST(ContextMenu, AListBeyondTheCapIsCutAndSaysSo) {
-    RecordingSink sink;
+    RecordingMenuSink sink;
     kx::addMenuItems(&sink, L"range -2147483648,2147483647");
     ASSERT_EQ(sink.entries.size(), static_cast<size_t>(it_enum_list::kMostListed) + 1);
     EXPECT_EQ(sink.entries.front(), (Entry{"-2147483648", INT32_MIN}));
@@ -53,7 +28,7 @@ TEST(ContextMenu, AListBeyondTheCapIsCutAndSaysSo) {
     EXPECT_EQ(sink.entries.back().id, -1);
     EXPECT_NE(sink.entries.back().text.find("cut"), std::string::npos);
 
-    RecordingSink exact;
+    RecordingMenuSink exact;
     kx::addMenuItems(&exact, L"range 1," + std::to_wstring(it_enum_list::kMostListed));
     EXPECT_EQ(exact.entries.size(), static_cast<size_t>(it_enum_list::kMostListed));
     EXPECT_EQ(exact.entries.back().text, std::to_string(it_enum_list::kMostListed));
