@@ -312,6 +312,7 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
     auto* gfx = static_cast<gmpi_gui_api::IMpGraphics*>(face);
 
     for (int calls = 0; calls < kMostCalls && !in.empty(); ++calls) {
+        host.messages.clear();  // sent to a DSP half that is not there
         int datatype = MP_DT_BLOB;
         switch (in.pick(16)) {
             case 0:

@@ -68,6 +68,14 @@ TEST(PatchParser, EveryMistakeNamesFileAndLine) {
     EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect a.Out 1 within 0.5"),
               "p.kxp:4: usage: expect TARGET VALUE within TOLERANCE (for float pins)");
     EXPECT_EQ(errorOf("resources no/such/folder").rfind("p.kxp:1: resource folder ", 0), 0u);
+    // The standard library's regular expression compiler overflows on large counts: refused before it.
+    const std::string text = "instance t T_EchoText\nscenario\nexpect-match t.Text ";
+    EXPECT_EQ(errorOf(text + "\"^a{8888888888888888888}\""),
+              "p.kxp:3: not a regular expression this host takes: ^a{8888888888888888888} (8888888888888888888 is "
+              "above the largest repetition count or group number, 1000)");
+    EXPECT_NE(errorOf(text + "\"a{2,1001}\"").find("(1001 is above"), std::string::npos);
+    EXPECT_NE(errorOf(text + "\"(a)\\\\99999\"").find("(99999 is above"), std::string::npos);
+    EXPECT_EQ(errorOf(text + "\"^[{99999}]\\\\{5,1000}\\\\d{3}$\""), "");
 }
 
 TEST(PatchParser, WiresCheckTypesAndFanOutInOrder) {
