@@ -12,13 +12,12 @@
 #include <string>
 
 #include "QuietHost.h"
+#include "SampleText.h"
 #include "TextCodec.h"
 #include "convert/TextFiles.h"
 #include "gmpi/IMpUserInterfaceHost2.h"
 
 namespace {
-
-constexpr size_t kFileBytes = 64u << 20;
 
 // The sample's name in plain storage, so removing it at exit does not depend on the order in which
 // static objects are destroyed.
@@ -29,14 +28,7 @@ void removeSample() { std::remove(samplePath); }
 const std::filesystem::path& sampleFile() {
     static const std::filesystem::path path = [] {
         auto p = std::filesystem::temp_directory_path() / ("kx_text_bench_" + std::to_string(::getpid()) + ".txt");
-        const std::string line =
-            "The quick brown fox jumps over the lazy dog; caf\xC3\xA9 \xE2\x82\xAC 12.50 \xF0\x9F\x8E\xB5\n";
-        std::string text;
-        text.reserve(kFileBytes + line.size());
-        while (text.size() < kFileBytes)
-            text += line;
-        text.resize(kFileBytes - (kFileBytes % line.size()));  // whole lines only
-        std::ofstream(p, std::ios::binary) << text;
+        std::ofstream(p, std::ios::binary) << sampleText();
         std::snprintf(samplePath, sizeof samplePath, "%s", p.c_str());
         std::atexit(removeSample);
         return p;

@@ -32,6 +32,17 @@ auto guarded(F&& f) noexcept {
     }
 }
 
+// Runs f and tells whether it threw, for a caller that must tell a throw from a failure answered.
+template <class F>
+bool throwsAtBoundary(F&& f) noexcept {
+    try {
+        f();
+        return false;
+    } catch (...) {
+        return true;
+    }
+}
+
 }  // namespace kx
 
 // X(result, name, (parameters), (arguments)) for every slot of IMpUserInterface2B.

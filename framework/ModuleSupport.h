@@ -5,6 +5,7 @@
 #pragma once
 
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <string_view>
 
@@ -32,6 +33,9 @@ inline int32_t truncToInt32(double value) {
         return static_cast<int32_t>(value);
     return INT32_MIN;
 }
+
+// A position 0..1 as controls draw and drag it: clamped, and 0 for a NaN a host may have sent.
+inline float clampUnit(float v) { return std::isnan(v) ? 0.0f : std::fmin(std::fmax(v, 0.0f), 1.0f); }
 
 // True when every character is a Unicode code point that UTF-8 can carry (no surrogates, nothing above
 // 0x10FFFF), i.e. when kx::toUtf8 will not throw.

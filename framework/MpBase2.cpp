@@ -1,5 +1,7 @@
 #include "MpBase2.h"
 
+#include <algorithm>
+
 #include "ModuleSupport.h"
 
 // ---- pins
@@ -150,9 +152,11 @@ void MpBase2::process(int32_t count, const gmpi::MpEvent* events) {
     blockPosition = 0;
     const gmpi::MpEvent* e = events;
     while (e) {
-        // A time stamp outside the block or behind the current position is handled at the nearest
-        // position that is still ahead, never before samples already processed.
-        const int32_t stamp = std::clamp(e->timeDelta, blockPosition, count);
+        // A time stamp is an offset inside the block. One outside it or behind the current position is
+        // handled at the nearest position inside that is still ahead (a late one at the last sample),
+        // never before samples already processed.
+        const int32_t last = count > 0 ? count - 1 : 0;
+        const int32_t stamp = std::clamp(e->timeDelta, blockPosition, std::max(last, blockPosition));
         if (stamp > blockPosition) {
             (this->*curSubProcess)(stamp - blockPosition);
             blockPosition = stamp;

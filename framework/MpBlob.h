@@ -20,7 +20,9 @@ public:
     void resize(int size);
 
     int32_t getSize() const { return static_cast<int32_t>(size_); }
-    char* getData() const { return data_.get(); }
+    // Never null: an empty blob points at a shared empty array, so a size-0 value handed to a host or a
+    // message always comes with valid data. Nothing may be written through it while the size is 0.
+    char* getData() const { return data_ ? data_.get() : emptyData(); }
 
     bool operator==(const MpBlob& other) const { return compare(other.data_.get(), static_cast<int>(other.size_)); }
     bool operator!=(const MpBlob& other) const { return !(*this == other); }
@@ -28,6 +30,11 @@ public:
     bool compare(const char* data, int size) const;
 
 private:
+    static char* emptyData() {
+        static char empty[1] = {};
+        return empty;
+    }
+
     uint64_t size_ = 0;
     size_t capacity_ = 0;  // bytes owned, >= size_ after a shrink
     std::unique_ptr<char[]> data_;

@@ -29,24 +29,25 @@ MpFactory* Factory() {
     return factory;
 }
 
-int32_t RegisterPlugin(int subType, const wchar_t* uniqueId, MP_CreateFunc2 create) {
-    return Factory()->RegisterPlugin(uniqueId, subType, create);
+int32_t RegisterPlugin(int subType, const wchar_t* uniqueId, MP_CreateFunc2 create, MP_SetHostFunc setHost) {
+    return Factory()->RegisterPlugin(uniqueId, subType, create, setHost);
 }
 
 int32_t RegisterPluginXml(const char*) { return gmpi::MP_OK; }
 
-int32_t MpFactory::RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_CreateFunc2 create) {
-    if (uniqueId)
-        registry_.emplace(std::make_pair(subType, std::wstring(uniqueId)), create);
-    return gmpi::MP_OK;
+std::vector<std::pair<int32_t, std::wstring>> MpFactory::registrations() const {
+    std::vector<std::pair<int32_t, std::wstring>> keys;
+    keys.reserve(registry_.size());
+    for (const auto& entry : registry_)
+        keys.push_back(entry.first);
+    return keys;
 }
 
-std::vector<std::pair<int32_t, std::wstring>> MpFactory::registrations() const {
-    std::vector<std::pair<int32_t, std::wstring>> out;
-    out.reserve(registry_.size());
-    for (const auto& entry : registry_)
-        out.push_back(entry.first);
-    return out;
+int32_t MpFactory::RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_CreateFunc2 create,
+                                  MP_SetHostFunc setHost) {
+    if (uniqueId)
+        registry_.emplace(std::make_pair(subType, std::wstring(uniqueId)), Creator{create, setHost});
+    return gmpi::MP_OK;
 }
 
 int32_t MpFactory::queryInterface(const gmpi::MpGuid& iid, void** returnInterface) {
@@ -61,15 +62,18 @@ int32_t MpFactory::queryInterface(const gmpi::MpGuid& iid, void** returnInterfac
     return gmpi::MP_NOSUPPORT;
 }
 
-int32_t MpFactory::create(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnknown*& created) {
+int32_t MpFactory::create(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnknown*& created,
+                          MP_SetHostFunc* setHost) {
     created = nullptr;
     if (!uniqueId)
         return gmpi::MP_NOSUPPORT;
     return kx::guarded([&] {
         const auto it = registry_.find(std::make_pair(subType, std::wstring(uniqueId)));
-        if (it == registry_.end() || !it->second)
+        if (it == registry_.end() || !it->second.create)
             return gmpi::MP_NOSUPPORT;
-        created = it->second();
+        created = it->second.create();
+        if (setHost)
+            *setHost = it->second.setHost;
         return gmpi::MP_OK;
     });
 }
@@ -80,18 +84,21 @@ int32_t MpFactory::createInstance(const wchar_t* uniqueId, int32_t subType, gmpi
         return gmpi::MP_FAIL;
     *returnInterface = nullptr;
     gmpi::IMpUnknown* object = nullptr;
-    const int32_t result = create(uniqueId, subType, object);
+    MP_SetHostFunc setHost = nullptr;
+    const int32_t result = create(uniqueId, subType, object, &setHost);
     if (result != gmpi::MP_OK)
         return result;
     *returnInterface = object;
     if (!object)
         return gmpi::MP_OK;
-    // The legacy initialisation face is found by a type query, not queryInterface. When setHost fails
-    // (modules made by Register<T> turn a throw into -1 at their boundary) the object stays with the
-    // caller, who owns it.
-    if (auto* legacy = dynamic_cast<gmpi::IMpLegacyInitialization*>(object))
-        if (kx::guarded([&] { return legacy->setHost(host); }) == gmpi::MP_FAIL)
+    // The legacy initialisation face is found by a type query, not queryInterface. Only a throw from
+    // setHost fails the creation; what it answers is the module's business. Either way the object stays
+    // with the caller, who owns it.
+    if (auto* legacy = dynamic_cast<gmpi::IMpLegacyInitialization*>(object)) {
+        const bool threw = setHost ? setHost(object, host) : kx::throwsAtBoundary([&] { legacy->setHost(host); });
+        if (threw)
             return gmpi::MP_FAIL;
+    }
     return gmpi::MP_OK;
 }
 

@@ -15,6 +15,9 @@
 #include "gmpi/IMpFactory.h"
 
 using MP_CreateFunc2 = gmpi::IMpUnknown* (*)();
+// Hands an object made by the creator registered beside it its host, running the module's own setHost
+// outside the guard; true when that threw.
+using MP_SetHostFunc = bool (*)(gmpi::IMpUnknown* object, gmpi::IMpUnknown* host);
 
 class MpFactory final : public gmpi::IMpFactory2 {
 public:
@@ -28,26 +31,35 @@ public:
     int32_t createInstance2(const wchar_t* uniqueId, int32_t subType, void** returnInterface) override;
 
     // Enters a creator under (subType, id); a second registration of the same pair is ignored.
-    int32_t RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_CreateFunc2 create);
-    // Every registered (subType, id), by side, then by identifier: what tools that drive every module
-    // (the fuzzer) choose from.
+    // createInstance hands the new object its host through setHost when given, else through the
+    // object's legacy initialisation face.
+    int32_t RegisterPlugin(const wchar_t* uniqueId, int32_t subType, MP_CreateFunc2 create,
+                           MP_SetHostFunc setHost = nullptr);
+
+    // Every registered (side, identifier) pair, ordered by side, then by identifier: what the pack holds.
     std::vector<std::pair<int32_t, std::wstring>> registrations() const;
 
     virtual ~MpFactory() = default;
 
 private:
+    struct Creator {
+        MP_CreateFunc2 create;
+        MP_SetHostFunc setHost;
+    };
+
     // Looks the creator up and runs it; 0, -1 (creator threw) or -2 (unknown).
-    int32_t create(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnknown*& created);
+    int32_t create(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnknown*& created,
+                   MP_SetHostFunc* setHost = nullptr);
 
     // Ordered by side, then by identifier.
-    std::map<std::pair<int32_t, std::wstring>, MP_CreateFunc2> registry_;
+    std::map<std::pair<int32_t, std::wstring>, Creator> registry_;
 };
 
 // The one factory, created on first use.
 MpFactory* Factory();
 
 // Registration entry points used by module files' static initialisers. Both return 0.
-int32_t RegisterPlugin(int subType, const wchar_t* uniqueId, MP_CreateFunc2 create);
+int32_t RegisterPlugin(int subType, const wchar_t* uniqueId, MP_CreateFunc2 create, MP_SetHostFunc setHost = nullptr);
 // Module descriptions are not registered through code in this pack: does nothing.
 int32_t RegisterPluginXml(const char* xml);
 
@@ -62,8 +74,15 @@ struct Register {
         auto* object = new kx::Guarded<T>();
         return static_cast<typename T::principal_interface*>(object);
     }
+    // For createInstance, which fails only when setHost throws: the guarded slot answers -1 both for a
+    // throw and for a failure the module answers itself (a host without an interface it wants), and the
+    // second still hands the object out. So the factory runs T's own setHost and sees the throw.
+    static bool setHost(IMpUnknown* object, IMpUnknown* host) {
+        auto* module = static_cast<kx::Guarded<T>*>(static_cast<typename T::principal_interface*>(object));
+        return kx::throwsAtBoundary([&] { module->T::setHost(host); });
+    }
     static bool withId(const wchar_t* uniqueId) {
-        ::RegisterPlugin(T::sub_type, uniqueId, &create);
+        ::RegisterPlugin(T::sub_type, uniqueId, &create, &setHost);
         return true;
     }
 };

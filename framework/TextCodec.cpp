@@ -45,33 +45,47 @@ inline long decodeOne(std::string_view text, size_t& i) {
     return static_cast<long>(cp);
 }
 
-}  // namespace
-
-std::string toUtf8(std::wstring_view text) {
-    std::string out;
-    out.reserve(text.size());
+// Appends the UTF-8 form of text. A value that is no code point (a surrogate, above 0x10FFFF) throws when
+// Strict, else becomes U+FFFD.
+template <bool Strict>
+void encode(std::wstring_view text, std::string& out) {
+    out.reserve(out.size() + text.size());
     for (wchar_t wc : text) {
-        const auto cp = static_cast<uint32_t>(wc);
+        auto cp = static_cast<uint32_t>(wc);
+        if (cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
+            if constexpr (Strict)
+                throw std::range_error(kToBytesError);
+            cp = 0xFFFD;
+        }
         if (cp < 0x80) {
             out.push_back(static_cast<char>(cp));
         } else if (cp < 0x800) {
             out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
             out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
         } else if (cp < 0x10000) {
-            if (cp >= 0xD800 && cp <= 0xDFFF)
-                throw std::range_error(kToBytesError);
             out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
             out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
             out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else if (cp <= 0x10FFFF) {
+        } else {
             out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
             out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
             out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
             out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        } else {
-            throw std::range_error(kToBytesError);
         }
     }
+}
+
+}  // namespace
+
+std::string toUtf8(std::wstring_view text) {
+    std::string out;
+    encode<true>(text, out);
+    return out;
+}
+
+std::string toUtf8Lenient(std::wstring_view text) {
+    std::string out;
+    encode<false>(text, out);
     return out;
 }
 

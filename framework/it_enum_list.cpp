@@ -54,43 +54,53 @@ it_enum_list::it_enum_list(const std::wstring& list) : listText_(list) {
 }
 
 void it_enum_list::First() {
+    index = -1;
     if (rangeMode_) {
-        // Set directly rather than counted on to from the value before it: a range that starts at INT_MIN
-        // has no value before it.
-        setRangeItem(0);
+        stepRange(position_);
         return;
     }
     position_ = 0;
     id = -1;
-    index = -1;
     Next();
+}
+
+void it_enum_list::showRangeValue(int value) {
+    id = value;
+    wchar_t buffer[16];
+    std::swprintf(buffer, 16, L"%d", id);
+    text = buffer;
+}
+
+void it_enum_list::stepRange(long long next) {
+    // Positions past the largest int (a range of more than 2^31 values) read as INT_MAX.
+    index = index == INT_MAX ? INT_MAX : index + 1;
+    // Past the largest int there is no next value to show: the end stays on the last one.
+    if (next > INT_MAX) {
+        index = -1;
+        return;
+    }
+    showRangeValue(static_cast<int>(next));
+    if (id > rangeHigh_)
+        index = -1;
 }
 
 bool it_enum_list::setRangeItem(long long offset) {
     const long long value = static_cast<long long>(position_) + offset;
     if (offset < 0 || value > rangeHigh_) {
+        // Where a walk to the end would have left the list.
+        const long long after = position_ > rangeHigh_ ? position_ : static_cast<long long>(rangeHigh_) + 1;
+        showRangeValue(after > INT_MAX ? INT_MAX : static_cast<int>(after));
         index = -1;
         return false;
     }
     index = offset > INT_MAX ? INT_MAX : static_cast<int>(offset);
-    id = static_cast<int>(value);
-    wchar_t buffer[16];
-    std::swprintf(buffer, 16, L"%d", id);
-    text = buffer;
+    showRangeValue(static_cast<int>(value));
     return true;
 }
 
 void it_enum_list::Next() {
     if (rangeMode_) {
-        index = index == INT_MAX ? INT_MAX : index + 1;
-        if (id == INT_MAX || id >= rangeHigh_) {
-            index = -1;  // also ends a range whose high value is INT_MAX without overflowing
-            return;
-        }
-        ++id;
-        wchar_t buffer[16];
-        std::swprintf(buffer, 16, L"%d", id);
-        text = buffer;
+        stepRange(static_cast<long long>(id) + 1);
         return;
     }
 

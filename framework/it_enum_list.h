@@ -27,6 +27,9 @@ public:
     bool FindValue(int value);
     // True when the item at the current position is a menu divider ("----", "<<<<", ">>>>", "||||").
     bool IsSeparator() const;
+    // True for a "range LOW,HIGH" list: item i is LOW + i, labelled with its value, so callers can reach
+    // any item without walking the ones before it.
+    bool IsRange() const { return rangeMode_; }
 
     // The most items anything lists for a person (a menu, a dialog's file types, rows): a list that
     // names more, as a range names billions in a few characters, is cut there, so that listing takes
@@ -56,8 +59,13 @@ public:
     std::wstring text;
 
 private:
-    // Makes the range item at offset from the first value current; false (and the end) past the range.
+    // Makes the range item at offset from the first value current; false, and the end as a walk leaves
+    // it, outside the range.
     bool setRangeItem(long long offset);
+    void showRangeValue(int value);
+    // Range mode: the item with value next, or the end when next lies past the last value. The end
+    // keeps that value and its text, as callers that read them after the loop expect.
+    void stepRange(long long next);
 
     std::wstring listText_;
     bool rangeMode_ = false;

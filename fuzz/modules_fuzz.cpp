@@ -13,7 +13,8 @@
 // running after its last release.
 //
 // Files: the GUI host resolves every file name into a private folder, and resources only from the demo
-// skin, so that module code can neither write nor read anything else.
+// skin; the text saver, which writes where its file-name pins say, gets its names moved into that folder.
+// So module code can neither write nor read anything else.
 #include <unistd.h>
 
 #include <algorithm>
@@ -37,6 +38,7 @@
 #include "MpString.h"
 #include "PackCatalogue.h"
 #include "TextCodec.h"
+#include "convert/TextFiles.h"
 #include "gmpi/IMpDrawingFactory.h"
 #include "gmpi/IMpGraphics.h"
 #include "gmpi/IMpLegacyInitialization.h"
@@ -44,6 +46,7 @@
 #include "gmpi/IMpUserInterface2.h"
 #include "gui/Graphics.h"
 #include "gui/GuiHost.h"
+#include "it_enum_list.h"
 #include "render/Drawing.h"
 
 namespace fs = std::filesystem;
@@ -270,6 +273,18 @@ int32_t pointerFlags(FuzzInput& in) {
     return buttons[in.pick(4)] | keys[in.pick(4)];
 }
 
+// A file name for the text saver's pins (32-bit units as the pin holds them) moved into the private
+// folder: its last component only.
+std::string confinedName(const std::string& value) {
+    std::wstring name(value.size() / sizeof(wchar_t), L'\0');
+    std::memcpy(name.data(), value.data(), name.size() * sizeof(wchar_t));
+    if (name.empty())
+        return value;
+    std::wstring full;
+    kx::fromUtf8Lenient((process().sandbox / leaf(kx::toUtf8Lenient(name))).string(), full);
+    return raw(full.data(), full.size() * sizeof(wchar_t));
+}
+
 // ---- the GUI half
 
 void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
@@ -279,6 +294,12 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
     FuzzGuiHost host(panel, graphics);
 
     auto* gui = static_cast<gmpi::IMpUserInterface2B*>(object);
+    const bool writesFiles = id == L"KX_StringSaver";
+    auto setPin = [&](int pin, int32_t voice, std::string v) {
+        if (writesFiles && (pin == kx::textfile::FileNameL || pin == kx::textfile::FileNameR))
+            v = confinedName(v);
+        gui->setPin(pin, voice, static_cast<int32_t>(v.size()), v.empty() ? nullptr : v.data());
+    };
     Pins pins;
     pins.openEnded = openEnded(id, kxhost::Side::Gui);
     if (auto* owner = dynamic_cast<GuiPinOwner*>(gui))
@@ -296,7 +317,7 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
         if (!echo || depth >= kEchoDepth)
             return;
         ++depth;
-        gui->setPin(pin, 0, size, copy.data());
+        setPin(pin, 0, copy);
         gui->notifyPin(pin, 0);
         --depth;
     };
@@ -322,7 +343,7 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
                 const int pin = pinIndex(in, pins, &datatype);
                 const std::string v = value(in, datatype);
                 const int32_t voice = in.chance(16) ? oddInt(in) : 0;
-                gui->setPin(pin, voice, static_cast<int32_t>(v.size()), v.data());
+                setPin(pin, voice, v);
                 gui->notifyPin(pin, voice);
                 break;
             }
@@ -330,7 +351,7 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
                 const int pin = pinIndex(in, pins, &datatype);
                 if (in.chance(128)) {
                     const std::string v = value(in, datatype);
-                    gui->setPin(pin, 0, static_cast<int32_t>(v.size()), v.empty() ? nullptr : v.data());
+                    setPin(pin, 0, v);
                 } else {
                     gui->notifyPin(pin, 0);
                 }
@@ -386,7 +407,7 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
             case 10: {
                 kxtest::RecordingMenuSink sink;
                 gui->populateContextMenu(oddFloat(in), oddFloat(in), &sink);
-                KX_FUZZ_CHECK(sink.entries.size() <= 1001);
+                KX_FUZZ_CHECK(sink.entries.size() <= static_cast<size_t>(it_enum_list::kMostListed) + 1);
                 int32_t choice = oddInt(in);
                 if (!sink.entries.empty() && in.chance(200))
                     choice = sink.entries[static_cast<size_t>(in.pick(static_cast<int>(sink.entries.size())))].id;
@@ -401,9 +422,9 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
                 else if (kind == 2)
                     answer = std::string(in.bytes(in.byte()));
                 if (in.chance(128))
-                    panel.answerFileDialog(answer);
+                    panel.answerFileDialog("fuzzed", answer);
                 else
-                    panel.answerTextEdit(answer);
+                    panel.answerTextEdit("fuzzed", answer);
                 panel.runCompletions();
                 break;
             }
@@ -413,7 +434,7 @@ void driveGui(FuzzInput& in, gmpi::IMpUnknown* object, const std::wstring& id) {
             default: {  // the common case again: a typed value on a bound pin, set and notified
                 const int pin = pinIndex(in, pins, &datatype);
                 const std::string v = value(in, datatype);
-                gui->setPin(pin, 0, static_cast<int32_t>(v.size()), v.data());
+                setPin(pin, 0, v);
                 gui->notifyPin(pin, 0);
                 break;
             }

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
+#include <limits>
 #include <string>
 
 #include "FuzzInput.h"
@@ -55,14 +56,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         KX_FUZZ_CHECK(!fits || *integer == expected);
     }
 
-    // Floats: printed, they read back; with 9 or more digits as the same float. With fewer digits the
-    // largest floats round to a text beyond the float range, which reads as nothing.
+    // Floats: printed, they read back; with 9 or more digits as the same float. A text beyond the float
+    // range (the largest floats rounded to fewer digits) or below its smallest normal value (subnormals)
+    // is out of range for the conversion and reads as nothing.
     const std::optional<float> parsed = kx::parseLeadingFloat(typed);
     for (float v : {number, parsed.value_or(0.0f)}) {
         const std::wstring printed = kx::formatGeneral(v, precision);
         KX_FUZZ_CHECK(!printed.empty());
         const std::optional<float> back = kx::parseLeadingFloat(printed);
-        KX_FUZZ_CHECK(back.has_value() || (std::isfinite(v) && std::fabs(v) > 3.4e38f));
+        const double printedValue = std::fabs(std::wcstod(printed.c_str(), nullptr));
+        const bool outOfRange =
+            std::isfinite(v) && (printedValue > std::numeric_limits<float>::max() ||
+                                 (printedValue != 0.0 && printedValue < std::numeric_limits<float>::min()));
+        KX_FUZZ_CHECK(back.has_value() || outOfRange);
         if (!back)
             continue;
         if (std::isnan(v))

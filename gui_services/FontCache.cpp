@@ -76,10 +76,12 @@ void applyStyleLine(FontMetadata& style, const std::vector<std::string>& words) 
         else if (first == 'c')
             style.flags |= FontMetadata::Centred;
     } else if (key == "text-decoration") {
-        if (lowerFirst(value) == 'u')
+        // Decoration and style words are read in lower case only ("Underline" leaves the text plain),
+        // unlike alignment and weight: style files written for other hosts rely on it.
+        if (value[0] == 'u')
             style.flags |= FontMetadata::Underlined;
     } else if (key == "font-style") {
-        if (lowerFirst(value) == 'i')
+        if (value[0] == 'i')
             style.flags2 |= FontMetadata::Italic;
     }
 }
@@ -198,9 +200,8 @@ GmpiDrawing::TextFormat FontCache::AddCustomTextFormat(gmpi::IMpUserInterfaceHos
                                                        const FontMetadata* style) {
     if (!style)
         return {};
-    const SkinMetadata* skin = getSkin(host);
-    const FontMetadata* kept = &customStyles_.emplace_back(*style);
-    return CreateTextFormatAndCache(factoryOf(graphicsHost), {name, skin->name, factoryOf(graphicsHost)}, kept);
+    const fontKey key{name, getSkin(host)->name, factoryOf(graphicsHost)};
+    return CreateTextFormatAndCache(key.factory, key, &keepCustomStyle(key, *style));
 }
 
 GmpiDrawing::TextFormat FontCache::GetCustomTextFormat(gmpi::IMpUserInterfaceHost2* host,
@@ -210,13 +211,15 @@ GmpiDrawing::TextFormat FontCache::GetCustomTextFormat(gmpi::IMpUserInterfaceHos
                                                        FontMetadata** metadata) {
     if (auto existing = TextFormatExists(host, graphicsHost, name, metadata))
         return existing;
-    FontMetadata copy = *getSkin(host)->getFont(baseStyle);
+    const SkinMetadata* skin = getSkin(host);
+    FontMetadata copy = *skin->getFont(baseStyle);
     if (customise)
         customise(copy);
-    auto format = AddCustomTextFormat(host, graphicsHost, name, &copy);
+    const fontKey key{name, skin->name, factoryOf(graphicsHost)};
+    FontMetadata& kept = keepCustomStyle(key, copy);
     if (metadata)
-        *metadata = &customStyles_.back();
-    return format;
+        *metadata = &kept;
+    return CreateTextFormatAndCache(key.factory, key, &kept);
 }
 
 GmpiDrawing::TextFormat FontCache::CreateTextFormatAndCache(GmpiDrawing_API::IMpFactory* factory, const fontKey& key,
@@ -240,10 +243,19 @@ GmpiDrawing::TextFormat FontCache::CreateTextFormatAndCache(GmpiDrawing_API::IMp
     return format;
 }
 
+// One kept style per key: remaking a custom format, or retrying one that could not be made, replaces the
+// style instead of adding another.
+FontMetadata& FontCache::keepCustomStyle(const fontKey& key, const FontMetadata& style) {
+    FontMetadata& kept = customStyles_[key];
+    kept = style;
+    return kept;
+}
+
 void FontCache::RemoveClient() {
     if (--clients_ <= 0) {
         clients_ = 0;
         formats_.clear();
+        customStyles_.clear();
     }
 }
 

@@ -97,12 +97,13 @@ public:
                                                 FontMetadata** metadata = nullptr);
 
     void AddClient() { ++clients_; }
-    // At zero clients the text formats are released (they belong to the host's factory, which may go
-    // with its last panel); parsed skins stay for the process.
+    // At zero clients the text formats and the styles of custom ones are released (formats belong to the
+    // host's factory, which may go with its last panel); parsed skins stay for the process.
     void RemoveClient();
 
     size_t textFormatCount() const { return formats_.size(); }
     size_t skinCount() const { return skins_.size(); }
+    size_t customStyleCount() const { return customStyles_.size(); }
     int32_t clientCount() const { return clients_; }
 
 private:
@@ -124,10 +125,12 @@ private:
     GmpiDrawing::TextFormat CreateTextFormatAndCache(GmpiDrawing_API::IMpFactory* factory, const fontKey& key,
                                                      const FontMetadata* style);
     static GmpiDrawing_API::IMpFactory* factoryOf(gmpi_gui::IMpGraphicsHost* graphicsHost);
+    FontMetadata& keepCustomStyle(const fontKey& key, const FontMetadata& style);
 
     std::map<fontKey, TypefaceData> formats_;
     std::deque<std::unique_ptr<SkinMetadata>> skins_;
-    std::deque<FontMetadata> customStyles_;
+    // The styles of custom formats, one per key; a node map, so formats_ can point into it.
+    std::map<fontKey, FontMetadata> customStyles_;
     int32_t clients_ = 0;
 };
 

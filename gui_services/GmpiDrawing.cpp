@@ -1,10 +1,16 @@
 #include "GmpiDrawing.h"
 
 #include <cstring>
+#include <cwchar>
 
 namespace GmpiDrawing {
 
 using namespace GmpiDrawing_API;
+
+Color Color::FromArgbText(const std::wstring& text) {
+    // Only the low 32 bits of the number read count, as a 32-bit store of it keeps them.
+    return FromArgb(static_cast<uint32_t>(std::wcstoul(text.c_str(), nullptr, 16)));
+}
 
 uint32_t Bitmap::getPixel(int32_t x, int32_t y) const {
     const SizeU size = GetSize();

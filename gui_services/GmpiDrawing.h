@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cwchar>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -144,6 +145,14 @@ public:
     }
     // From 0xRRGGBB, opaque.
     static Color FromRgb(uint32_t rgb) { return FromArgb(0xFF000000u | rgb); }
+    // From the hexadecimal AARRGGBB text a colour pin carries, read as the C library's wcstoul reads base
+    // 16 (leading space, a sign and "0x" allowed; reading stops at the first other character), so text
+    // that is not hexadecimal gives transparent black.
+    static Color FromArgbText(const std::wstring& text);
+    // A colour pin's colour: empty text stands for the widget's own default, whenEmpty.
+    static Color FromArgbText(const std::wstring& text, const Color& whenEmpty) {
+        return text.empty() ? whenEmpty : FromArgbText(text);
+    }
 };
 
 // A gradient of two or more stops.

@@ -29,6 +29,15 @@ void MpCompletionHandler::OnComplete(int32_t result) {
     release();
 }
 
+std::function<void(int32_t)> PendingCompletion::bind(std::function<void(int32_t)> onResult) {
+    const uint32_t serial = ++*serial_;
+    return [current = std::weak_ptr<uint32_t>(serial_), serial, onResult = std::move(onResult)](int32_t result) {
+        const auto live = current.lock();
+        if (live && *live == serial && onResult)
+            onResult(result);
+    };
+}
+
 }  // namespace gmpi_gui
 
 namespace GmpiGui {

@@ -2,7 +2,9 @@
 // result back to a callback, and wrappers of the host's file dialog and text editor.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "MpCountedPtr.h"
@@ -25,6 +27,24 @@ public:
 private:
     ~MpCompletionHandler() override = default;
     std::function<void(int32_t)> callback_;
+};
+
+// What a module's answer from a host dialog or editor reaches it through. The host may complete after
+// the module is gone, or after the module replaced the request by a newer one; both answers are dropped
+// instead of reaching a dangling or outdated callback. A module keeps one of these as a member.
+class PendingCompletion {
+public:
+    PendingCompletion() = default;
+    PendingCompletion(const PendingCompletion&) = delete;
+    PendingCompletion& operator=(const PendingCompletion&) = delete;
+
+    // A callback for a new request: it calls onResult only while this object lives and no later call of
+    // bind was made. Earlier callbacks fall silent.
+    std::function<void(int32_t)> bind(std::function<void(int32_t)> onResult);
+
+private:
+    // The number of the newest request; the callbacks hold it weakly.
+    std::shared_ptr<uint32_t> serial_ = std::make_shared<uint32_t>(0);
 };
 
 }  // namespace gmpi_gui

@@ -1,6 +1,6 @@
 #include "ImageBase.h"
 
-#include "ContextMenu.h"
+#include "PinMenu.h"
 #include "TextCodec.h"
 
 int32_t ImageBase::populateContextMenu(float, float, gmpi::IMpUnknown* contextMenuItemsSink) {
@@ -8,27 +8,18 @@ int32_t ImageBase::populateContextMenu(float, float, gmpi::IMpUnknown* contextMe
 }
 
 int32_t ImageBase::onContextMenu(int32_t selection) {
-    pinMenuSelection = selection;
-    pinMenuSelection = -1;
-    return gmpi::MP_OK;
-}
-
-int32_t ImageBase::writeToolTip(gmpi::IString* returnString) {
-    const std::wstring hint = getHint();
-    if (!returnString || hint.empty())
-        return gmpi::MP_FAIL;
-    const std::string utf8 = kx::toUtf8(hint);
-    returnString->setData(utf8.data(), static_cast<int32_t>(utf8.size()));
+    kx::pulseMenuSelection(pinMenuSelection, selection);
     return gmpi::MP_OK;
 }
 
 int32_t ImageBase::getToolTip(float, float, gmpi::IMpUnknown* returnString) {
-    auto s = gmpi_sdk::queryAs<gmpi::IString>(returnString, gmpi::MP_IID_RETURNSTRING);
-    return writeToolTip(s.get());
+    const std::wstring hint = getHint();
+    return hint.empty() ? gmpi::MP_FAIL : kx::writeHostString(returnString, hint);
 }
 
 int32_t ImageBase::getToolTip(GmpiDrawing_API::MP1_POINT, gmpi::IString* returnString) {
-    return writeToolTip(returnString);
+    const std::wstring hint = getHint();
+    return hint.empty() ? gmpi::MP_FAIL : kx::writeHostString(returnString, hint);
 }
 
 int32_t ImageBase::OnRender(GmpiDrawing_API::IMpDeviceContext* drawingContext) {

@@ -3,11 +3,11 @@
 //
 // The pins every image widget has are members here; each widget binds them in its own pin order, e.g.
 //   initializePin(pinAnimationPosition, &ImageBase::calcDrawAt);
-//   initializePin(pinFilename, &ImageBase::onSetFilename);
-//   initializePin(pinHint); initializePin(pinMenuItems); initializePin(pinMenuSelection);
-//   initializePin(pinMouseDown); initializePin(pinHold);
+//   initializeImagePins();  // file name, hint, menu items, menu selection, mouse down
+//   initializePin(pinHold);
 #pragma once
 
+#include <cmath>
 #include <string>
 
 #include "MpGuiGfxBase.h"
@@ -45,6 +45,19 @@ public:
     void reDraw() { invalidateRect(); }
 
 protected:
+    // Binds, in this order, the pins all image widgets have in a row: file name (loads the image), hint,
+    // menu items, menu selection, mouse down.
+    void initializeImagePins() {
+        initializePin(pinFilename, &ImageBase::onSetFilename);
+        initializePin(pinHint);
+        initializePin(pinMenuItems);
+        initializePin(pinMenuSelection);
+        initializePin(pinMouseDown);
+    }
+    // The size of the rectangle the host arranged the widget in. Only the size counts: a widget draws and
+    // receives points in its own coordinates, (0, 0) at its top-left corner, wherever the panel puts it.
+    GmpiDrawing::Size layoutSize() const { return {rect_.right - rect_.left, rect_.bottom - rect_.top}; }
+
     StringGuiPin pinFilename;
     StringGuiPin pinHint;
     StringGuiPin pinMenuItems;
@@ -52,7 +65,4 @@ protected:
     MpGuiPin<bool> pinMouseDown;
     // Keeps a click control down after the pointer is released (a latching button).
     MpGuiPin<bool> pinHold;
-
-private:
-    int32_t writeToolTip(gmpi::IString* returnString);
 };

@@ -8,6 +8,16 @@
 
 struct ImageMetadata {
     enum Mode : int32_t { Slider = 0, Animated = 1, Button = 2, BarGraph = 3 };
+    // Values of mouseResponse.
+    enum MouseResponse : int32_t {
+        NoResponse = -1,
+        Vertical = 0,
+        Horizontal = 1,
+        Click = 2,
+        Rotary = 3,
+        Step = 4,
+        Reversed = 5
+    };
 
     int32_t mode = Animated;
     int32_t frameWidth = 10;

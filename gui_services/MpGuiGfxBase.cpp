@@ -20,13 +20,18 @@ int32_t MpGuiGfxBase::setHost(gmpi::IMpUnknown* hostObject) {
     return MpGuiBase2::setHost(hostObject);
 }
 
-int32_t MpGuiGfxBase::measure(GmpiDrawing_API::MP1_SIZE availableSize, GmpiDrawing_API::MP1_SIZE* returnDesiredSize) {
-    if (!returnDesiredSize)
+int32_t MpGuiGfxBase::desiredAtLeast(GmpiDrawing_API::MP1_SIZE available, GmpiDrawing_API::MP1_SIZE* desired,
+                                     float minimum) {
+    if (!desired)
         return gmpi::MP_FAIL;
     // Written as "greater than" so that a NaN falls to the minimum.
-    returnDesiredSize->width = availableSize.width > 1.0f ? availableSize.width : 1.0f;
-    returnDesiredSize->height = availableSize.height > 1.0f ? availableSize.height : 1.0f;
+    desired->width = available.width > minimum ? available.width : minimum;
+    desired->height = available.height > minimum ? available.height : minimum;
     return gmpi::MP_OK;
+}
+
+int32_t MpGuiGfxBase::measure(GmpiDrawing_API::MP1_SIZE availableSize, GmpiDrawing_API::MP1_SIZE* returnDesiredSize) {
+    return desiredAtLeast(availableSize, returnDesiredSize, 1.0f);
 }
 
 int32_t MpGuiGfxBase::arrange(GmpiDrawing_API::MP1_RECT finalRect) {

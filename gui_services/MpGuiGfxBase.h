@@ -37,6 +37,11 @@ public:
     using MpGuiBase2::getToolTip;
 
     IMpGraphicsHost* getGuiHost() const { return graphicsHost_.get(); }
+
+    // The available size with each dimension raised to at least minimum (NaN counts as less): what a
+    // module that takes the room it is given answers to measure.
+    static int32_t desiredAtLeast(GmpiDrawing_API::MP1_SIZE available, GmpiDrawing_API::MP1_SIZE* desired,
+                                  float minimum);
     const GmpiDrawing_API::MP1_RECT& getRect() const { return rect_; }
 
 protected:

@@ -89,20 +89,20 @@ bool skinBitmap::calcDrawAt(float v) {
     return changed;
 }
 
-bool skinBitmap::bitmapHitTestLocal(GmpiDrawing_API::MP1_POINT point) {
+BitmapHit skinBitmap::bitmapHitTest(GmpiDrawing_API::MP1_POINT point) {
     if (!bitmap_ || !metadata_)
-        return false;
+        return {};
     const ImageMetadata& m = *metadata_;
     const float x = point.x, y = point.y;
     const float at = static_cast<float>(drawAt_);
     float bx, by;
 
     if (m.mode == ImageMetadata::BarGraph)
-        return true;
+        return {true};
     if (m.mode == ImageMetadata::Slider) {
         if (!hitTestByPixel)
-            return 0.0f <= x && x <= static_cast<float>(m.frameWidth) && 0.0f <= y &&
-                   y <= static_cast<float>(m.frameHeight);
+            return {0.0f <= x && x <= static_cast<float>(m.frameWidth) && 0.0f <= y &&
+                    y <= static_cast<float>(m.frameHeight)};
         Rect handle(m.handleLeft, m.handleTop, m.handleRight, m.handleBottom);
         const bool horizontal = m.mouseResponse != 0;
         if (horizontal) {
@@ -113,7 +113,7 @@ bool skinBitmap::bitmapHitTestLocal(GmpiDrawing_API::MP1_POINT point) {
             handle.bottom += at;
         }
         if (!(handle.left <= x && x <= handle.right && handle.top <= y && y <= handle.bottom))
-            return false;
+            return {};
         bx = horizontal ? x - at : x;
         by = horizontal ? y : y - at;
     } else {
@@ -121,12 +121,13 @@ bool skinBitmap::bitmapHitTestLocal(GmpiDrawing_API::MP1_POINT point) {
         by = y - m.paddingTop + at;
         if (!(0.0f <= bx && bx <= static_cast<float>(m.frameWidth) && at <= by &&
               by <= at + static_cast<float>(m.frameHeight)))
-            return false;
+            return {};
         if (!hitTestByPixel)
-            return true;
+            return {true};
     }
     // Transparent where the pixel's alpha byte is zero; outside the bitmap counts as transparent.
-    return bitmap_.getPixel(trunc32(bx), trunc32(by)) > 0xFFFFFFu;
+    const uint32_t pixel = bitmap_.getPixel(trunc32(bx), trunc32(by));
+    return {pixel > 0xFFFFFFu, true, pixel};
 }
 
 void skinBitmap::renderBitmap(GmpiDrawing::Graphics& g, GmpiDrawing_API::MP1_SIZE_U offset) {

@@ -7,6 +7,14 @@
 #include "GmpiDrawing.h"
 #include "ImageCache.h"
 
+// What a hit test found: whether the point is on the control and, when the test read a pixel of the
+// bitmap to decide, that pixel as 0xAARRGGBB.
+struct BitmapHit {
+    bool hit = false;
+    bool pixelRead = false;
+    uint32_t pixel = 0;
+};
+
 class skinBitmap : public ImageCacheClient {
 public:
     // Forgets the current image, then loads name through the cache. -1 for a null or empty name or an
@@ -19,7 +27,9 @@ public:
     // Moves to the frame (or handle offset) for v in 0..1; true when draw-at changed.
     bool calcDrawAt(float normalised);
     // Whether a point in the widget's own coordinates is on the control.
-    bool bitmapHitTestLocal(GmpiDrawing_API::MP1_POINT point);
+    bool bitmapHitTestLocal(GmpiDrawing_API::MP1_POINT point) { return bitmapHitTest(point).hit; }
+    // The same test, also telling the pixel it read (widgets that react to the pixel under the pointer).
+    BitmapHit bitmapHitTest(GmpiDrawing_API::MP1_POINT point);
     // Draws the current frame with the widget's top-left corner at offset. Knobs, animations and buttons
     // draw their frame inside the padding. A slider's first frame holds the handle at its resting place
     // (the handle rectangle), drawn moved by draw-at along its axis; a second frame is its track. A bar

@@ -7,13 +7,14 @@ namespace kxhost {
 
 namespace {
 
-// A value or signal change waiting for a slot's next block.
+// A value or signal change waiting for a slot's block: at is the absolute sample time it was sent for.
+// An event whose time has passed when its receiver runs (it ran earlier in the block the event was
+// sent in) comes at the start of the receiver's next block.
 struct Pending {
-    int32_t time;
+    int64_t at;
     int32_t type;
     int32_t pin;
     std::string bytes;
-    int64_t block;  // the block it was sent in; -1 from outside the audio graph
 };
 
 const std::string kNoValue;
@@ -129,7 +130,7 @@ int32_t AudioHostObject::sendMessageToGui(int32_t id, int32_t size, const void* 
     if (size < 0 || (size > 0 && !data))
         return gmpi::MP_FAIL;
     engine_.messages_.push_back(
-        {slot_.index, id, std::string(static_cast<const char*>(data), static_cast<size_t>(size))});
+        {slot_.index, id, std::string(static_cast<const char*>(data), static_cast<size_t>(size)), engine_.sent_++});
     return gmpi::MP_OK;
 }
 
@@ -175,7 +176,25 @@ bool AudioEngine::attach(int index, gmpi::IMpUnknown* module) {
         slot.plugin->setBuffer(pin, buffer.data());
     for (auto& [pin, buffer] : slot.inBuffers)
         slot.plugin->setBuffer(pin, buffer);
+    if (started_) {
+        slot.plugin->open();
+        slot.graphStart = true;
+    }
     return true;
+}
+
+void AudioEngine::detach(int index) {
+    Slot& slot = *slots_.at(static_cast<size_t>(index));
+    if (slot.plugin)
+        slot.plugin->release();
+    slot.plugin = nullptr;
+    slot.pending.clear();
+    slot.messagesIn.clear();
+    slot.graphStart = false;
+    slot.asleep = false;
+    slot.lastCount = 0;
+    for (auto& [pin, buffer] : slot.outBuffers)
+        std::fill(buffer.begin(), buffer.end(), 0.0f);
 }
 
 void AudioEngine::connect(int fromSlot, int fromPin, int toSlot, int toPin) {
@@ -190,12 +209,12 @@ void AudioEngine::connect(int fromSlot, int fromPin, int toSlot, int toPin) {
     }
 }
 
-void AudioEngine::queueValue(int slot, int pin, const void* data, int32_t size) {
+void AudioEngine::queueValue(int slot, int pin, const void* data, int32_t size, int64_t offset) {
     if (size < 0 || (size > 0 && !data))
         return;
     Slot& s = *slots_.at(static_cast<size_t>(slot));
-    s.pending.push_back(
-        {0, gmpi::EVENT_PIN_SET, pin, std::string(static_cast<const char*>(data), static_cast<size_t>(size)), -1});
+    s.pending.push_back({clock_ + std::max<int64_t>(offset, 0), gmpi::EVENT_PIN_SET, pin,
+                         std::string(static_cast<const char*>(data), static_cast<size_t>(size))});
 }
 
 void AudioEngine::queueMessage(int slot, int id, const void* data, int32_t size) {
@@ -223,13 +242,13 @@ void AudioEngine::route(Slot& from, int32_t timestamp, int32_t pin, int32_t even
     std::string bytes(static_cast<const char*>(data), data ? static_cast<size_t>(size) : 0);
     if (eventType == gmpi::EVENT_PIN_SET || eventType == gmpi::EVENT_MIDI) {
         from.last[pin] = bytes;
-        values_.push_back({from.index, pin, block + stamp, bytes});
+        values_.push_back({from.index, pin, block + stamp, bytes, sent_++});
     }
     const auto wires = from.wires.find(pin);
     if (wires == from.wires.end())
         return;
     for (auto& [to, toPin] : wires->second)
-        to->pending.push_back({stamp, eventType, toPin, bytes, block});
+        to->pending.push_back({block + stamp, eventType, toPin, bytes});
 }
 
 void AudioEngine::deliverMessages(Slot& slot) {
@@ -243,8 +262,18 @@ void AudioEngine::deliverMessages(Slot& slot) {
 }
 
 void AudioEngine::processSlot(Slot& slot, int32_t count) {
-    std::swap(slot.pending, slot.current);
-    slot.pending.clear();
+    // Events due in this block are taken (in the order they were sent); later ones keep waiting.
+    // Done in place, without allocating in the audio loop.
+    const int64_t blockEnd = blockStart_ + count;
+    slot.current.clear();
+    size_t kept = 0;
+    for (size_t i = 0; i < slot.pending.size(); ++i) {
+        if (slot.pending[i].at < blockEnd)
+            slot.current.push_back(std::move(slot.pending[i]));
+        else if (kept++ != i)
+            slot.pending[kept - 1] = std::move(slot.pending[i]);
+    }
+    slot.pending.resize(kept);
     if (!slot.plugin) {
         slot.current.clear();
         return;
@@ -262,7 +291,7 @@ void AudioEngine::processSlot(Slot& slot, int32_t count) {
     slot.events.clear();
     for (const Pending& p : slot.current) {
         gmpi::MpEvent e{};
-        e.timeDelta = p.block == blockStart_ ? std::clamp(p.time, 0, count - 1) : 0;
+        e.timeDelta = static_cast<int32_t>(std::clamp<int64_t>(p.at - blockStart_, 0, count - 1));
         e.eventType = p.type;
         e.parm1 = p.pin;
         e.parm2 = static_cast<int32_t>(p.bytes.size());

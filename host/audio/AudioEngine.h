@@ -33,6 +33,7 @@ struct DspValueOut {
     int pin;
     int64_t time;
     std::string bytes;
+    uint64_t sequence;  // the order of everything the DSP halves sent, values and messages together
 };
 
 // A message a DSP half sent to its GUI half.
@@ -40,6 +41,7 @@ struct DspMessageOut {
     int slot;
     int id;
     std::string bytes;
+    uint64_t sequence;
 };
 
 class AudioEngine {
@@ -59,16 +61,22 @@ public:
     int add(std::vector<DspPinSpec> pins);
     gmpi::IMpUnknown* hostObject(int slot);
     // Hands the engine the module (it takes its own reference to the processing face, released with
-    // the engine) and gives every audio pin its buffer. False when the object is not a DSP half.
+    // the engine or by detach) and gives every audio pin its buffer. A module attached after start is
+    // opened at once and gets the graph start in its first block. False when the object is not a DSP
+    // half.
     bool attach(int slot, gmpi::IMpUnknown* module);
+    // Lets the slot's module go (its reference released): what waits for it is dropped, its signals
+    // fall silent, and nothing is called until a module is attached again.
+    void detach(int slot);
 
     // A wire between DSP pins: an audio output feeds the input's buffer and its streaming changes; a value
     // output's updates become events of the input at the same sample (or at the start of the next block
     // when the receiver has already run in this one). Slots run in the order they were added.
     void connect(int fromSlot, int fromPin, int toSlot, int toPin);
 
-    // A value for an input pin from outside the audio graph: an event at the start of the next block.
-    void queueValue(int slot, int pin, const void* data, int32_t size);
+    // A value for an input pin from outside the audio graph: an event offset samples after the start of
+    // the next block (in a later block when the offset reaches past this one).
+    void queueValue(int slot, int pin, const void* data, int32_t size, int64_t offset = 0);
     // A message from the GUI half: delivered before the next block.
     void queueMessage(int slot, int id, const void* data, int32_t size);
 
@@ -108,6 +116,7 @@ private:
     std::vector<std::unique_ptr<Slot>> slots_;
     std::vector<DspValueOut> values_;
     std::vector<DspMessageOut> messages_;
+    uint64_t sent_ = 0;
     std::vector<float> silence_;
 };
 

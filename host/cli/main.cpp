@@ -3,9 +3,12 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
-#include <iomanip>
 #include <iostream>
+#include <limits>
+#include <stdexcept>
+#include <string>
 
+#include "cli/Listing.h"
 #include "patch/Catalogue.h"
 #include "patch/Error.h"
 #include "session/Bundle.h"
@@ -17,12 +20,61 @@ namespace {
 
 using namespace kxhost;
 
+// A command line kxhost cannot run: a one-line message and exit status 2, like an error in a patch.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Exit statuses, as docs/patch-format.md states them.
+constexpr int kPassed = 0;
+constexpr int kUsageOrPatchError = 2;
+constexpr int kInternalError = 3;
+
+// A whole number within [low, high], with a message that says so.
+CLI::Validator countBetween(long long low, long long high) {
+    return CLI::Validator(
+        [low, high](std::string& text) -> std::string {
+            long long v = 0;
+            size_t used = 0;
+            try {
+                v = std::stoll(text, &used);
+            } catch (const std::exception&) {
+                used = 0;
+            }
+            if (used == 0 || used != text.size() || v < low || v > high)
+                return "takes a whole number from " + std::to_string(low) + " to " + std::to_string(high) + ", not " +
+                       text;
+            return {};
+        },
+        "");
+}
+
+// CLI11's messages may span lines; kxhost prints one.
+std::string oneLine(std::string text) {
+    for (char& c : text)
+        if (c == '\n')
+            c = ' ';
+    while (!text.empty() && text.back() == ' ')
+        text.pop_back();
+    return text;
+}
+
 struct Paths {
     std::string bundle;
     std::string descriptions;
 
+    // The bundle given, else the one beside kxhost, else the one the build made. Throws HostError naming
+    // it when it is not there: the descriptions are looked for beside it, so that comes first.
     std::filesystem::path bundlePath() const {
-        return bundle.empty() ? defaultBundlePath() : std::filesystem::path(bundle);
+        const std::filesystem::path path = bundle.empty() ? defaultBundlePath() : std::filesystem::path(bundle);
+        std::error_code ec;
+        if (path.empty())
+            throw HostError("no module bundle beside kxhost; give one with --bundle PATH");
+        if (!std::filesystem::is_regular_file(path, ec))
+            throw HostError("bundle " + path.string() + " does not exist" +
+                            (bundle.empty() ? " (give one with --bundle PATH)" : ""));
+        return path;
     }
     // The descriptions travel with the bundle: by default the folder beside it.
     std::filesystem::path descriptionsPath() const {
@@ -31,6 +83,9 @@ struct Paths {
 };
 
 int showLive(const Paths& paths, const std::string& patchFile, const ShowOptions& options) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(patchFile, ec))
+        throw UsageError(patchFile + " is a folder; kxhost show takes a patch file (.kxp)");
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
     const Patch patch = parsePatchFile(patchFile, catalogue);
     Bundle bundle(paths.bundlePath());
@@ -43,44 +98,38 @@ void makeOutputFolder(const std::string& output) {
     std::error_code ec;
     std::filesystem::create_directories(output, ec);
     if (!std::filesystem::is_directory(output))
-        throw HostError("cannot make the output folder " + output);
+        throw UsageError("cannot make the output folder " + output);
 }
 
 int run(const Paths& paths, const std::string& patchFile, const std::string& output) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(patchFile, ec))
+        throw UsageError(patchFile + " is a folder; kxhost run takes a patch file (.kxp)");
+    const std::filesystem::path bundlePath = paths.bundlePath();
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
     const Patch patch = parsePatchFile(patchFile, catalogue);
-    Bundle bundle(paths.bundlePath());
+    if (patch.instances.empty() && patch.setup.empty() && patch.scenario.empty())
+        std::cerr << "kxhost: " << patchFile << " is empty: no instance and no step to run\n";
+    Bundle bundle(bundlePath);
     Session session(bundle, patch, std::cout, std::cerr);
     if (!output.empty())
         session.setOutputDir(output);
     return session.run() ? 0 : 1;
 }
 
-std::string sideStatus(Bundle& bundle, const ModuleInfo& m, Side side, bool& missing) {
-    const bool described = m.side(side) != nullptr;
-    const bool created = bundle.creates(m.id, side);
-    if (described && !created)
-        missing = true;
-    return described ? (created ? "yes" : "MISSING") : (created ? "undescribed" : "-");
-}
-
-int list(const Paths& paths) {
+int list(const Paths& paths, bool asJson) {
     const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
     Bundle bundle(paths.bundlePath());
-    std::cout << "bundle:       " << bundle.path().string() << "\n"
-              << "descriptions: " << paths.descriptionsPath().string() << "\n\n";
-    std::cout << std::left << std::setw(26) << "identifier" << std::setw(12) << "gui" << std::setw(12) << "dsp"
-              << "name\n";
-    bool missing = false;
-    for (const auto& [id, m] : catalogue.modules()) {
-        const std::string gui = sideStatus(bundle, m, Side::Gui, missing);
-        const std::string dsp = sideStatus(bundle, m, Side::Dsp, missing);
-        std::cout << std::left << std::setw(26) << id << std::setw(12) << gui << std::setw(12) << dsp << m.name << "\n";
-    }
-    std::cout << "\n" << catalogue.modules().size() << " identifiers described\n";
-    if (missing)
-        std::cerr << "kxhost: the bundle does not create every described side (MISSING above)\n";
-    return missing ? 1 : 0;
+    if (!asJson)
+        std::cout << "bundle:       " << bundle.path().string() << "\n"
+                  << "descriptions: " << paths.descriptionsPath().string() << "\n\n";
+    return listModules(bundle, catalogue, asJson, std::cout, std::cerr);
+}
+
+int describe(const Paths& paths, const std::string& id, bool asJson) {
+    const Catalogue catalogue = Catalogue::load(paths.descriptionsPath());
+    Bundle bundle(paths.bundlePath());
+    return describeModule(bundle, catalogue, id, asJson, std::cout);
 }
 
 int validateAll(const Paths& paths, const validate::Options& options) {
@@ -107,8 +156,8 @@ int main(int argc, char** argv) {
     runCmd->add_option("PATCH", patchFile, "the patch file")->required();
     std::string output;
     runCmd->add_option("--out,--output", output,
-                       "folder the run writes its files (snapshot PNGs) into, made if missing (default: the current "
-                       "folder)");
+                       "folder the run writes its files (snapshot PNGs) into, made if missing; without it, "
+                       "snapshots are rendered but not written");
     ShowOptions showOptions;
     auto* showCmd = app.add_subcommand(
         "show",
@@ -118,20 +167,36 @@ int main(int argc, char** argv) {
     showCmd->add_flag("--play", showOptions.play,
                       "play the patch's scenario once the window is up (default: only its set-up runs)");
     showCmd->add_option("--out,--output", output, "folder a played scenario writes its snapshots into");
-    auto* listCmd =
-        app.add_subcommand("list", "list the described identifiers and whether the bundle creates each side");
+    bool asJson = false;
+    auto* listCmd = app.add_subcommand(
+        "list", "list the described identifiers: whether the bundle creates each side, category and summary");
+    listCmd->add_flag("--json", asJson, "the same as JSON, with every pin, for tools");
+    std::string describeId;
+    auto* describeCmd =
+        app.add_subcommand("describe", "print one identifier's description: its pins and what each is for");
+    describeCmd->add_option("ID", describeId, "the module identifier (KX_Image)")->required();
+    describeCmd->add_flag("--json", asJson, "as JSON, the form list --json gives each identifier");
     validate::Options validateOptions;
     auto* validateCmd = app.add_subcommand(
         "validate",
         "create every described identifier and side through the bundle, feed it hostile input, release "
         "it and check that nothing is left behind");
-    validateCmd->add_option("--seed", validateOptions.seed, "seed of the hostile input (default 1)");
+    validateCmd->add_option("--seed", validateOptions.seed, "seed of the hostile input (default 1)")
+        ->check(countBetween(0, std::numeric_limits<long long>::max()));
     validateCmd->add_option("--rounds", validateOptions.rounds, "hostile actions per created half (default 150)")
-        ->check(CLI::NonNegativeNumber);
+        ->check(countBetween(0, 1'000'000));
     validateCmd->add_option("--module", validateOptions.only, "validate only this identifier (repeatable)");
     validateCmd->add_option("--log", validateOptions.log, "append every step to this file as it happens");
     validateCmd->add_flag("--quiet", validateOptions.quiet, "no per-module summary lines");
-    CLI11_PARSE(app, argc, argv);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        // Help and version requests are "errors" with status 0: they print what was asked for.
+        if (e.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
+            return app.exit(e);
+        std::cerr << "kxhost: " << oneLine(e.what()) << " (kxhost --help lists the commands)\n";
+        return kUsageOrPatchError;
+    }
 
     try {
         if (*runCmd) {
@@ -144,17 +209,23 @@ int main(int argc, char** argv) {
             return showLive(paths, patchFile, showOptions);
         }
         if (*listCmd)
-            return list(paths);
+            return list(paths, asJson);
+        if (*describeCmd)
+            return describe(paths, describeId, asJson);
         if (*validateCmd)
             return validateAll(paths, validateOptions);
     } catch (const HostError& e) {
         std::cout.flush();
         std::cerr << "kxhost: " << e.what() << "\n";
-        return 2;
+        return kUsageOrPatchError;
+    } catch (const UsageError& e) {
+        std::cout.flush();
+        std::cerr << "kxhost: " << e.what() << "\n";
+        return kUsageOrPatchError;
     } catch (const std::exception& e) {
         std::cout.flush();
         std::cerr << "kxhost: internal error: " << e.what() << "\n";
-        return 3;
+        return kInternalError;
     }
-    return 0;
+    return kPassed;
 }

@@ -49,7 +49,8 @@ public:
         object_->answered(answer);
         handler_->OnComplete(answer ? gmpi::MP_OK : gmpi::MP_FAIL);
     }
-    std::string describe() const override { return object_->describe(); }
+    std::string describe() const override { return object_->describe() + " of " + object_->owner(); }
+    const std::string& owner() const override { return object_->owner(); }
     std::variant<FileDialogRequest, TextEditRequest> details() const override { return object_->request(); }
 
 private:
@@ -59,8 +60,8 @@ private:
 
 class FileDialog final : public CountedObject<gmpi_gui::IMpPlatformFileDialog> {
 public:
-    FileDialog(Panel& panel, int32_t type)
-        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG), panel_(panel) {
+    FileDialog(Panel& panel, int32_t type, std::string owner)
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_FILE_DIALOG), panel_(panel), owner_(std::move(owner)) {
         request_.save = type == gmpi_gui::MP_PLATFORM_FILE_SAVE;
     }
     int32_t AddExtension(const char* extension, const char* description) override {
@@ -87,6 +88,7 @@ public:
     }
 
     void answered(const ScriptedAnswer& a) { selected_ = a.value_or(""); }
+    const std::string& owner() const { return owner_; }
     const FileDialogRequest& request() const { return request_; }
     std::string describe() const {
         std::string exts;
@@ -98,13 +100,15 @@ public:
 
 private:
     Panel& panel_;
+    std::string owner_;
     FileDialogRequest request_;
     std::string selected_;
 };
 
 class TextEdit final : public CountedObject<gmpi_gui::IMpPlatformText> {
 public:
-    TextEdit(Panel& panel, MP1_RECT rect) : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT), panel_(panel) {
+    TextEdit(Panel& panel, MP1_RECT rect, std::string owner)
+        : CountedObject(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT), panel_(panel), owner_(std::move(owner)) {
         request_.rect = rect;
     }
     int32_t SetText(const char* text) override {
@@ -135,6 +139,7 @@ public:
         if (a)
             request_.text = *a;
     }
+    const std::string& owner() const { return owner_; }
     const TextEditRequest& request() const { return request_; }
     std::string describe() const {
         const MP1_RECT& r = request_.rect;
@@ -146,6 +151,7 @@ public:
 
 private:
     Panel& panel_;
+    std::string owner_;
     TextEditRequest request_;
 };
 
@@ -206,14 +212,22 @@ int32_t GraphicsHost::releaseCapture() {
 int32_t GraphicsHost::createFileDialog(int32_t dialogType, gmpi::IMpUnknown** returnFileDialog) {
     if (!returnFileDialog)
         return gmpi::MP_FAIL;
-    *returnFileDialog = new FileDialog(panel_, dialogType);
+    *returnFileDialog = new FileDialog(panel_, dialogType, name_);
     return gmpi::MP_OK;
 }
 
 int32_t GraphicsHost::createPlatformTextEdit(const MP1_RECT* r, gmpi::IMpUnknown** returnTextEdit) {
     if (!returnTextEdit)
         return gmpi::MP_FAIL;
-    *returnTextEdit = new TextEdit(panel_, r ? *r : MP1_RECT{0, 0, 0, 0});
+    // The module gives a rectangle of its own area; the editor lies over it on the panel.
+    MP1_RECT onPanel = r ? *r : MP1_RECT{0, 0, 0, 0};
+    if (rect) {
+        onPanel.left += rect->left;
+        onPanel.right += rect->left;
+        onPanel.top += rect->top;
+        onPanel.bottom += rect->top;
+    }
+    *returnTextEdit = new TextEdit(panel_, onPanel, name_);
     return gmpi::MP_OK;
 }
 
@@ -232,9 +246,7 @@ Panel::~Panel() { releaseModules(); }
 void Panel::releaseModules() {
     // Requests still open hold module objects; they go without a call back.
     for (auto* open : {&openFile_, &openText_})
-        for (const auto& request : std::exchange(*open, {}))
-            if (presenter_)
-                presenter_->withdraw(*request);
+        withdraw(std::exchange(*open, nullptr));
     due_.clear();
     capture = nullptr;
     for (auto& h : hosts_) {
@@ -244,8 +256,30 @@ void Panel::releaseModules() {
     }
 }
 
+void Panel::releaseInstance(const std::string& name) {
+    for (auto* open : {&openFile_, &openText_})
+        if (*open && (*open)->owner() == name)
+            withdraw(std::exchange(*open, nullptr));
+    std::erase_if(due_, [&](const auto& d) { return d.first->owner() == name; });
+    GraphicsHost* h = host(name);
+    if (!h)
+        return;
+    if (capture == h)
+        capture = nullptr;
+    if (h->graphics)
+        h->graphics->release();
+    h->graphics = nullptr;
+    h->hasHitTest = false;
+    h->rect.reset();
+    requestLayout();
+}
+
 GraphicsHost& Panel::addInstance(const std::string& name) {
+    // An instance created again keeps its graphics host.
+    if (GraphicsHost* known = host(name))
+        return *known;
     hosts_.push_back(std::make_unique<GraphicsHost>(*this, name));
+    requestLayout();
     return *hosts_.back();
 }
 
@@ -369,55 +403,67 @@ std::string Panel::pointer(Pointer kind, int32_t flags, MP1_POINT point) {
         const MP1_POINT local{point.x - r.left, point.y - r.top};
         if (h->hasHitTest && static_cast<gmpi_gui_api::IMpGraphics2*>(h->graphics)->hitTest(local) != gmpi::MP_OK)
             continue;
-        if (send(*h) == gmpi::MP_OK)
+        // Liberal in what it accepts: some modules answer a press they take with 1, and one that took the
+        // capture has taken the press whatever it answered.
+        if (send(*h) >= gmpi::MP_OK || capture == h)
             return h->name();
     }
     return {};
 }
 
 void Panel::shown(bool fileDialog, std::shared_ptr<PendingRequest> request) {
+    auto& open = fileDialog ? openFile_ : openText_;
+    if (open) {
+        // As on a real host: the newer replaces the older, which is cancelled.
+        trace("closed by a newer one: " + open->describe());
+        withdraw(open);
+        due_.emplace_back(std::exchange(open, nullptr), std::nullopt);
+    }
     auto& answers = fileDialog ? fileAnswers_ : textAnswers_;
-    if (!answers.empty()) {
+    const auto it = std::find_if(answers.begin(), answers.end(), [&](const QueuedAnswer& a) {
+        return a.instance.empty() || a.instance == request->owner();
+    });
+    if (it != answers.end()) {
         trace("shown: " + request->describe());
         // Completed once the module's own call has returned, as a real dialog would.
-        due_.emplace_back(std::move(request), answers.front());
-        answers.pop_front();
+        due_.emplace_back(std::move(request), it->answer);
+        answers.erase(it);
         return;
     }
     trace("shown, waiting for an answer: " + request->describe());
-    (fileDialog ? openFile_ : openText_).push_back(request);
+    open = request;
     if (presenter_)
         presenter_->present(request);
 }
 
-void Panel::answer(bool fileDialog, const ScriptedAnswer& a) {
+void Panel::answer(bool fileDialog, const std::string& instance, const ScriptedAnswer& a) {
     auto& open = fileDialog ? openFile_ : openText_;
-    if (open.empty()) {
-        (fileDialog ? fileAnswers_ : textAnswers_).push_back(a);
+    if (!open || (!instance.empty() && open->owner() != instance)) {
+        (fileDialog ? fileAnswers_ : textAnswers_).push_back({instance, a});
         return;
     }
-    auto request = open.front();
-    open.pop_front();
-    if (presenter_)
-        presenter_->withdraw(*request);
-    due_.emplace_back(std::move(request), a);
+    withdraw(open);
+    due_.emplace_back(std::exchange(open, nullptr), a);
     runCompletions();
 }
 
 void Panel::complete(const PendingRequest& request, const ScriptedAnswer& a) {
     for (auto* open : {&openFile_, &openText_}) {
-        auto it = std::find_if(open->begin(), open->end(), [&](const auto& r) { return r.get() == &request; });
-        if (it == open->end())
+        if (open->get() != &request)
             continue;
-        due_.emplace_back(std::move(*it), a);
-        open->erase(it);
+        due_.emplace_back(std::exchange(*open, nullptr), a);
         runCompletions();
         return;
     }
 }
 
-void Panel::answerFileDialog(const ScriptedAnswer& a) { answer(true, a); }
-void Panel::answerTextEdit(const ScriptedAnswer& a) { answer(false, a); }
+void Panel::withdraw(const std::shared_ptr<PendingRequest>& request) {
+    if (request && presenter_)
+        presenter_->withdraw(*request);
+}
+
+void Panel::answerFileDialog(const std::string& instance, const ScriptedAnswer& a) { answer(true, instance, a); }
+void Panel::answerTextEdit(const std::string& instance, const ScriptedAnswer& a) { answer(false, instance, a); }
 
 void Panel::runCompletions() {
     while (!due_.empty()) {

@@ -100,6 +100,8 @@ public:
     // Completes with the answer (nullopt: cancelled).
     virtual void complete(const ScriptedAnswer& answer) = 0;
     virtual std::string describe() const = 0;
+    // The instance whose graphics host made the dialog or editor.
+    virtual const std::string& owner() const = 0;
     virtual std::variant<FileDialogRequest, TextEditRequest> details() const = 0;
 };
 
@@ -135,13 +137,17 @@ public:
     enum class Pointer { Down, Move, Up };
     std::string pointer(Pointer kind, int32_t flags, GmpiDrawing_API::MP1_POINT point);
 
-    // Scripted answers: queued for the next request, or completing the oldest open one.
-    void answerFileDialog(const ScriptedAnswer& answer);
-    void answerTextEdit(const ScriptedAnswer& answer);
+    // Scripted answers for the file dialog or the text editor of an instance (empty: whichever shows
+    // one): completing the open one when it is that instance's, else queued for its next request.
+    // One of each kind is open at a time, as on a real host: a newer one replaces (cancels) the older.
+    void answerFileDialog(const std::string& instance, const ScriptedAnswer& answer);
+    void answerTextEdit(const std::string& instance, const ScriptedAnswer& answer);
     // Completions that were scheduled while a module's call was running.
     void runCompletions();
     // Drops the references to the modules' graphics faces and any open request (before the modules go).
     void releaseModules();
+    // The same for one instance about to be released: its requests go without a call back.
+    void releaseInstance(const std::string& name);
 
     // A user answers requests through the presenter (not owned; null: only the script answers). Scripted
     // answers still come first: one queued before a request is shown takes it without showing it.
@@ -158,14 +164,20 @@ public:
     void trace(const std::string& line) { trace_(line); }
 
 private:
-    void answer(bool fileDialog, const ScriptedAnswer& answer);
+    struct QueuedAnswer {
+        std::string instance;  // empty: for whichever instance shows one next
+        ScriptedAnswer answer;
+    };
+    void answer(bool fileDialog, const std::string& instance, const ScriptedAnswer& answer);
+    // Tells the presenter that an open request is no longer open (null: nothing).
+    void withdraw(const std::shared_ptr<PendingRequest>& request);
 
     const PanelDecl& decl_;
     std::function<void(const std::string&)> trace_;
     std::vector<std::unique_ptr<GraphicsHost>> hosts_;
     bool layoutDirty_ = true;
-    std::deque<ScriptedAnswer> fileAnswers_, textAnswers_;
-    std::deque<std::shared_ptr<PendingRequest>> openFile_, openText_;
+    std::deque<QueuedAnswer> fileAnswers_, textAnswers_;
+    std::shared_ptr<PendingRequest> openFile_, openText_;
     std::vector<std::pair<std::shared_ptr<PendingRequest>, ScriptedAnswer>> due_;
     RequestPresenter* presenter_ = nullptr;
 };

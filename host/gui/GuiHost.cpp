@@ -43,6 +43,20 @@ std::vector<std::string> typeExtensions(const std::string& type) {
 
 }  // namespace
 
+int32_t ReturnString::setData(const char* data, int32_t size) {
+    if (size <= 0 || !data)
+        text_.clear();
+    else
+        text_.assign(data, static_cast<size_t>(size));
+    return gmpi::MP_OK;
+}
+
+int32_t MenuSink::AddItem(const char* text, int32_t id, int32_t flags) {
+    // The copy reads the whole zero-terminated text: a module handing an unterminated buffer shows here.
+    items_.push_back({text ? text : "", id, flags});
+    return gmpi::MP_OK;
+}
+
 std::filesystem::path findResource(const std::vector<std::filesystem::path>& folders, const std::string& name,
                                    const std::string& type, bool& found) {
     std::error_code ec;
@@ -71,6 +85,15 @@ std::filesystem::path findResource(const std::vector<std::filesystem::path>& fol
     }
     found = false;
     return candidates.empty() ? given : candidates.front();
+}
+
+void FaceTable::offer(const gmpi::MpGuid& iid, gmpi::IMpUnknown* face) {
+    for (auto& [id, known] : faces_)
+        if (id == iid) {
+            known = face;
+            return;
+        }
+    faces_.emplace_back(iid, face);
 }
 
 gmpi::IMpUnknown* FaceTable::find(const gmpi::MpGuid& iid) const {

@@ -16,7 +16,8 @@ namespace kxhost {
 // by whoever owns them before the module gets its host. Not owned.
 class FaceTable {
 public:
-    void offer(const gmpi::MpGuid& iid, gmpi::IMpUnknown* face) { faces_.emplace_back(iid, face); }
+    // Offering an interface again replaces the earlier face.
+    void offer(const gmpi::MpGuid& iid, gmpi::IMpUnknown* face);
     gmpi::IMpUnknown* find(const gmpi::MpGuid& iid) const;
 
 private:

@@ -31,6 +31,22 @@ const PinInfo* SideInfo::byName(const std::string& name) const {
     return nullptr;
 }
 
+std::optional<SideInfo> resizedSide(const SideInfo& described, int count) {
+    const auto have = static_cast<int>(described.pins.size());
+    const bool open = have > 0 && described.pins.back().autoDuplicate;
+    if (count < 0 || (count > have && !open))
+        return std::nullopt;
+    SideInfo side;
+    side.pins.assign(described.pins.begin(), described.pins.begin() + std::min(count, have));
+    for (int copy = 1; have + copy <= count; ++copy) {
+        PinInfo pin = described.pins.back();
+        pin.index += copy;
+        pin.name.append(1, ' ').append(std::to_string(copy + 1));
+        side.pins.push_back(std::move(pin));
+    }
+    return side;
+}
+
 std::string pinNameForPatch(const std::string& name) {
     const bool plain = !name.empty() && !std::isdigit(static_cast<unsigned char>(name[0])) &&
                        std::all_of(name.begin(), name.end(), [](char c) {
@@ -97,7 +113,18 @@ std::optional<Value> defaultFromJson(Datatype type, const json& j) {
     return std::nullopt;
 }
 
-SideInfo readSide(const json& j, const std::string& where) {
+// An optional text field: "" when absent; anything but a string is an error.
+std::string optionalText(const json& j, const char* key, const std::string& where) {
+    if (!j.contains(key))
+        return {};
+    if (!j[key].is_string())
+        throw HostError(where + ": \"" + key + "\" must be a string");
+    return j[key].get<std::string>();
+}
+
+using Purposes = std::map<std::string, std::string>;
+
+SideInfo readSide(const json& j, const std::string& where, const Purposes& purposes) {
     if (!j.is_object() || !j.contains("pins") || !j["pins"].is_array())
         throw HostError(where + ": needs a \"pins\" array");
     SideInfo side;
@@ -141,6 +168,15 @@ SideInfo readSide(const json& j, const std::string& where) {
                 throw HostError(at + " (" + pin.name + "): \"autoDuplicate\" must be true or false");
             pin.autoDuplicate = p["autoDuplicate"].get<bool>();
         }
+        if (p.contains("echo")) {
+            if (!p["echo"].is_boolean())
+                throw HostError(at + " (" + pin.name + "): \"echo\" must be true or false");
+            pin.echo = p["echo"].get<bool>();
+        }
+        pin.purpose = optionalText(p, "purpose", at + " (" + pin.name + ")");
+        if (pin.purpose.empty())
+            if (auto it = purposes.find(pin.name); it != purposes.end())
+                pin.purpose = it->second;
         side.pins.push_back(std::move(pin));
     }
     for (size_t i = 0; i + 1 < side.pins.size(); ++i)
@@ -173,6 +209,22 @@ void Catalogue::addText(const std::string& text, const std::filesystem::path& fi
     }
     if (!doc.is_object() || !doc.contains("modules") || !doc["modules"].is_array())
         throw HostError(name + ": needs a top-level object with a \"modules\" array");
+    // The family's shared pin purposes, by side and pin name.
+    std::map<std::string, Purposes> purposes;
+    if (doc.contains("purposes")) {
+        const json& all = doc["purposes"];
+        if (!all.is_object())
+            throw HostError(name + ": \"purposes\" must map \"gui\" and \"dsp\" to objects of texts");
+        for (const auto& [side, texts] : all.items()) {
+            if ((side != "gui" && side != "dsp") || !texts.is_object())
+                throw HostError(name + ": \"purposes\" must map \"gui\" and \"dsp\" to objects of texts");
+            for (const auto& [pin, text] : texts.items()) {
+                if (!text.is_string())
+                    throw HostError(name + ": the purpose of " + side + " pin \"" + pin + "\" must be a string");
+                purposes[side][pin] = text.get<std::string>();
+            }
+        }
+    }
     for (const auto& m : doc["modules"]) {
         if (!m.is_object() || !m.contains("id") || !m["id"].is_string() || m["id"].get<std::string>().empty())
             throw HostError(name + ": every module needs an \"id\"");
@@ -180,13 +232,14 @@ void Catalogue::addText(const std::string& text, const std::filesystem::path& fi
         info.id = m["id"].get<std::string>();
         info.file = file;
         const std::string where = name + ": " + info.id;
-        if (m.contains("name") && !m["name"].is_string())
-            throw HostError(where + ": \"name\" must be text");
-        info.name = m.contains("name") ? m["name"].get<std::string>() : info.id;
+        info.name = m.contains("name") ? optionalText(m, "name", where) : info.id;
+        info.category = optionalText(m, "category", where);
+        info.summary = optionalText(m, "summary", where);
+        info.guide = optionalText(m, "guide", where);
         if (m.contains("gui"))
-            info.gui = readSide(m["gui"], where + " gui");
+            info.gui = readSide(m["gui"], where + " gui", purposes["gui"]);
         if (m.contains("dsp"))
-            info.dsp = readSide(m["dsp"], where + " dsp");
+            info.dsp = readSide(m["dsp"], where + " dsp", purposes["dsp"]);
         if (!info.gui && !info.dsp)
             throw HostError(where + ": describes neither a \"gui\" nor a \"dsp\" side");
         if (auto it = modules_.find(info.id); it != modules_.end())

@@ -1,9 +1,15 @@
 // Module descriptions: what the host knows of each identifier's pins (the bundle's code knows pins only
 // by index). Read from JSON files, one per module family:
-//   {"modules": [{"id": "KX_CmpInt", "name": "Compare Int",
+//   {"purposes": {"gui": {"Value A": "the first operand", ...}, "dsp": {...}},
+//    "modules": [{"id": "KX_CmpInt", "name": "Compare Int", "category": "Logic",
+//                 "summary": "one line", "guide": "logic.md",
 //                 "gui": {"pins": [{"index": 0, "name": "Value A", "datatype": "int",
-//                                   "direction": "in", "default": 0}, ...]},
+//                                   "direction": "in", "default": 0, "purpose": "..."}, ...]},
+//                 (optional per pin: "autoDuplicate": true on the last pin, "echo": false)
 //                 "dsp": {"pins": [...]}}]}
+// The texts (category, summary, guide, purposes) are for people and tools and are all optional. A pin's
+// purpose is its own "purpose", else the file's "purposes" entry for its side and name: pins of one
+// name on one side of a family mean the same thing.
 #pragma once
 
 #include <filesystem>
@@ -30,6 +36,10 @@ struct PinInfo {
     std::optional<Value> defaultValue;
     // The host adds copies of this pin (the last one) at the following indexes as the user asks.
     bool autoDuplicate = false;
+    // False ("echo": false) for a pin that reads every update as news from outside: the host must not
+    // deliver the module's own transmissions on it back into it.
+    bool echo = true;
+    std::string purpose;
 };
 
 struct SideInfo {
@@ -42,6 +52,9 @@ struct SideInfo {
 struct ModuleInfo {
     std::string id;
     std::string name;
+    std::string category;
+    std::string summary;
+    std::string guide;           // a page about the module's family, relative to the module pages
     std::filesystem::path file;  // the description it came from
     std::optional<SideInfo> gui;
     std::optional<SideInfo> dsp;
@@ -65,6 +78,11 @@ public:
 private:
     std::map<std::string, ModuleInfo> modules_;
 };
+
+// The side with count pins: the first ones of the description and, beyond them, copies of its last pin
+// when that one is autoDuplicate (named after it: "Extra 2", "Extra 3", ...). Nullopt for a negative
+// count or more pins than the description allows.
+std::optional<SideInfo> resizedSide(const SideInfo& described, int count);
 
 // A pin's name as a patch file and a trace write it: bare when it is a plain word, quoted otherwise.
 std::string pinNameForPatch(const std::string& name);

@@ -88,6 +88,16 @@ std::string readQuoted(const std::string& s, size_t& i, const Location& where) {
     throw errorAt(where, "quoted text is not closed");
 }
 
+// "#RRGGBB" or "#AARRGGBB" standing alone is a colour, not a comment: a panel line reads as people write
+// it. Any other '#' outside quotes starts a comment.
+bool isColourWord(const std::string& s, size_t at) {
+    size_t end = at + 1;
+    while (end < s.size() && std::isxdigit(static_cast<unsigned char>(s[end])))
+        ++end;
+    const size_t digits = end - at - 1;
+    return (digits == 6 || digits == 8) && (end == s.size() || std::isspace(static_cast<unsigned char>(s[end])));
+}
+
 }  // namespace
 
 std::vector<Token> tokenize(const std::string& s, const Location& where) {
@@ -98,7 +108,7 @@ std::vector<Token> tokenize(const std::string& s, const Location& where) {
             ++i;
             continue;
         }
-        if (s[i] == '#')
+        if (s[i] == '#' && !isColourWord(s, i))
             break;
         Token t;
         const size_t start = i;
@@ -166,7 +176,7 @@ const WireDecl* Patch::wire(const PinRef& from, const PinRef& to) const {
 
 const PinInfo* Patch::pin(const PinRef& ref) const {
     const InstanceDecl* decl = instance(ref.instance);
-    const SideInfo* side = decl ? decl->module->side(ref.side) : nullptr;
+    const SideInfo* side = decl ? decl->side(ref.side) : nullptr;
     return side ? side->byIndex(ref.index) : nullptr;
 }
 
@@ -198,7 +208,7 @@ PinRef Parser::pin(const Line& line, const Token& token) const {
         ref.side = rest[0] == 'g' ? Side::Gui : Side::Dsp;
         rest = rest.substr(4);
     }
-    const SideInfo& side = *decl->module->side(ref.side);
+    const SideInfo& side = *decl->side(ref.side);
     const std::string owner = decl->module->id + " (" + sideName(ref.side) + ")";
     if (rest.empty())
         fail(line, "'" + raw + "' names no pin");

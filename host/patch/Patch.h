@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -36,6 +37,11 @@ struct InstanceDecl {
     bool gui = false;
     bool dsp = false;
     Location where;
+    bool later = false;               // created by a "create" step, not at start
+    std::optional<SideInfo> guiPins;  // "pins N": the GUI side's pins, when not the description's
+
+    // The pins of a side of this instance (null for a side the module lacks).
+    const SideInfo* side(Side s) const { return s == Side::Gui && guiPins ? &*guiPins : module->side(s); }
 };
 
 // One wire: patch lines that fan out to several targets become several wires, in line order.
@@ -54,12 +60,14 @@ struct ParamDecl {
 };
 
 enum class Trace { Off, Transmissions, Deliveries };
+enum class Clock { Real, Virtual };
 
 struct Options {
     bool echo = true;      // deliver a transmitted value back into the sender's own pin
     bool defaults = true;  // deliver the descriptions' default values at start
     int depth = 64;        // transmissions nested deeper than this are a feedback loop
     Trace trace = Trace::Transmissions;
+    Clock clock = Clock::Real;  // what "wait" runs the GUI run loop on
 };
 
 // A compiled step: runs against the session; reports failures through Session::fail.
@@ -80,11 +88,17 @@ struct Patch {
     std::vector<WireDecl> wires;
     std::vector<ParamDecl> params;
     std::vector<std::filesystem::path> resources;  // absolute, in search order
+    bool tempFolder = false;  // "temp-folder": a fresh folder for the run, first in the search order
     Options options;
     std::vector<Step> setup;     // initial values, in file order
     std::vector<Step> scenario;  // after the "scenario" line
     // What extension directives parsed, under keys of their own choosing.
     std::map<std::string, std::any> extensions;
+    // Names other parts declare that steps may set, expect and print like a parameter (the host
+    // parameters of "parameter"), with the datatype of their value.
+    std::map<std::string, Datatype> namedValues;
+    // A step reads the traffic of a step (expect-order, expect-message): the session keeps it.
+    bool keepsTraffic = false;
 
     void add(InstanceDecl decl);
     void add(ParamDecl decl);

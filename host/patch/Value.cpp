@@ -61,24 +61,86 @@ Value Value::ofFloat(float v, Datatype type) {
 
 Value Value::ofBool(bool v) {
     Value r(Datatype::Bool);
-    r.bool_ = v;
+    r.bool_ = v ? 1 : 0;
     return r;
 }
 
 Value Value::ofText(std::wstring v) {
     Value r(Datatype::Text);
-    r.text_ = std::move(v);
+    if (!v.empty())
+        r.text_ = std::make_shared<std::wstring>(std::move(v));
     return r;
 }
 
 Value Value::ofBlob(Bytes v, Datatype type) {
     Value r(type);
-    r.blob_ = std::move(v);
+    if (!v.empty())
+        r.blob_ = std::make_shared<Bytes>(std::move(v));
     return r;
 }
 
-std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data) {
+const std::wstring& Value::text() const {
+    static const std::wstring none;
+    return text_ ? *text_ : none;
+}
+
+const Bytes& Value::blob() const {
+    static const Bytes none;
+    return blob_ ? *blob_ : none;
+}
+
+const void* Value::data() const {
+    // Empty text and blobs still point somewhere: zero bytes at a valid address.
+    static const wchar_t empty = 0;
+    switch (kindOf(type_)) {
+        case Kind::Int:
+            return &int_;
+        case Kind::Float:
+            return &float_;
+        case Kind::Bool:
+            return &bool_;
+        case Kind::Text:
+            return text_ ? static_cast<const void*>(text_->data()) : &empty;
+        case Kind::Bytes:
+            return blob_ ? static_cast<const void*>(blob_->data()) : &empty;
+    }
+    return &empty;
+}
+
+int32_t Value::size() const {
+    switch (kindOf(type_)) {
+        case Kind::Int:
+        case Kind::Float:
+            return 4;
+        case Kind::Bool:
+            return 1;
+        case Kind::Text:
+            return text_ ? static_cast<int32_t>(text_->size() * sizeof(wchar_t)) : 0;
+        case Kind::Bytes:
+            return blob_ ? static_cast<int32_t>(blob_->size()) : 0;
+    }
+    return 0;
+}
+
+bool Value::decodable(Datatype type, int32_t size, const void* data) {
     if (size < 0 || (size > 0 && data == nullptr))
+        return false;
+    switch (kindOf(type)) {
+        case Kind::Int:
+        case Kind::Float:
+            return size == 4;
+        case Kind::Bool:
+            return size == 1 || size == 4;
+        case Kind::Text:
+            return size % 4 == 0;
+        case Kind::Bytes:
+            return true;
+    }
+    return false;
+}
+
+std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data, Value&& previous) {
+    if (!decodable(type, size, data))
         return std::nullopt;
     const auto* p = static_cast<const uint8_t*>(data);
     switch (kindOf(type)) {
@@ -109,41 +171,36 @@ std::optional<Value> Value::decode(Datatype type, int32_t size, const void* data
         case Kind::Text: {
             if (size % 4 != 0)
                 return std::nullopt;
-            std::wstring text(static_cast<size_t>(size) / 4, L'\0');
-            if (size > 0)
-                std::memcpy(text.data(), p, static_cast<size_t>(size));
-            return ofText(std::move(text));
+            const size_t count = static_cast<size_t>(size) / 4;
+            if (count == 0)
+                return ofText({});
+            Value r(type);
+            r.text_ = previous.text_.use_count() == 1 ? std::move(previous.text_) : std::make_shared<std::wstring>();
+            // One pass over the bytes: text in a module's own string is aligned; anything else is copied
+            // after the room is made.
+            if (reinterpret_cast<uintptr_t>(p) % alignof(wchar_t) == 0) {
+                r.text_->assign(reinterpret_cast<const wchar_t*>(p), count);
+            } else {
+                r.text_->resize(count);
+                std::memcpy(r.text_->data(), p, static_cast<size_t>(size));
+            }
+            return r;
         }
-        case Kind::Bytes:
-            return ofBlob(Bytes(p, p + size), type);
+        case Kind::Bytes: {
+            if (size == 0)
+                return ofBlob({}, type);
+            Value r(type);
+            r.blob_ = previous.blob_.use_count() == 1 ? std::move(previous.blob_) : std::make_shared<Bytes>();
+            r.blob_->assign(p, p + size);
+            return r;
+        }
     }
     return std::nullopt;
 }
 
 Bytes Value::bytes() const {
-    Bytes b;
-    switch (kindOf(type_)) {
-        case Kind::Int:
-            b.resize(4);
-            std::memcpy(b.data(), &int_, 4);
-            break;
-        case Kind::Float:
-            b.resize(4);
-            std::memcpy(b.data(), &float_, 4);
-            break;
-        case Kind::Bool:
-            b.push_back(bool_ ? 1 : 0);
-            break;
-        case Kind::Text:
-            b.resize(text_.size() * sizeof(wchar_t));
-            if (!b.empty())
-                std::memcpy(b.data(), text_.data(), b.size());
-            break;
-        case Kind::Bytes:
-            b = blob_;
-            break;
-    }
-    return b;
+    const auto* p = static_cast<const uint8_t*>(data());
+    return Bytes(p, p + size());
 }
 
 std::string quoted(std::string_view s) {
@@ -185,7 +242,7 @@ std::string Value::format() const {
         case Kind::Bool:
             return bool_ ? "true" : "false";
         case Kind::Text:
-            return kxhost::quoted(narrow(text_));
+            return kxhost::quoted(narrow(text()));
         case Kind::Float: {
             if (std::isnan(float_))
                 return "nan";
@@ -201,12 +258,13 @@ std::string Value::format() const {
         }
         case Kind::Bytes: {
             static const char hex[] = "0123456789abcdef";
+            const Bytes& b = blob();
             std::string s = "[";
-            for (size_t i = 0; i < blob_.size(); ++i) {
+            for (size_t i = 0; i < b.size(); ++i) {
                 if (i)
                     s += ' ';
-                s += hex[blob_[i] >> 4];
-                s += hex[blob_[i] & 15];
+                s += hex[b[i] >> 4];
+                s += hex[b[i] & 15];
             }
             return s + "]";
         }
@@ -226,9 +284,9 @@ bool operator==(const Value& a, const Value& b) {
         case Kind::Bool:
             return a.bool_ == b.bool_;
         case Kind::Text:
-            return a.text_ == b.text_;
+            return a.text_ == b.text_ || a.text() == b.text();
         case Kind::Bytes:
-            return a.blob_ == b.blob_;
+            return a.blob_ == b.blob_ || a.blob() == b.blob();
     }
     return false;
 }

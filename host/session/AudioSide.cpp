@@ -6,11 +6,15 @@
 //   run SAMPLES                                runs the audio side (the first run opens the modules)
 //   expect-audio inst.Pin AT VALUE [AT VALUE]  AT is a sample offset (N) or a range (A..B, B excluded)
 //                                              counted from the start of the last run
+//
+// "set inst.dsp.Pin VALUE at N" places a value N samples into the next run; a DSP half's transmissions
+// reach the session with their place in the run that sent them.
 #include <any>
 #include <cmath>
 #include <map>
 #include <memory>
 #include <ostream>
+#include <set>
 #include <sstream>
 
 #include "audio/AudioEngine.h"
@@ -49,12 +53,20 @@ public:
                 options = std::any_cast<AudioOptions>(it->second);
             engine_ = std::make_unique<AudioEngine>(options.sampleRate, options.blockSize);
         }
-        std::vector<DspPinSpec> pins;
-        for (const auto& pin : inst.module().dsp->pins)
-            pins.push_back({pin.index, kindOf(pin.type), pin.output});
-        const int slot = engine_->add(std::move(pins));
-        slots_[&inst] = slot;
-        bySlot_.push_back(&inst);
+        // An instance created again keeps its slot: its wires and captures stay.
+        auto known = slots_.find(&inst);
+        if (known == slots_.end()) {
+            std::vector<DspPinSpec> pins;
+            for (const auto& pin : inst.side(Side::Dsp)->pins)
+                pins.push_back({pin.index, kindOf(pin.type), pin.output});
+            const int slot = engine_->add(std::move(pins));
+            known = slots_.emplace(&inst, slot).first;
+            bySlot_.push_back(&inst);
+            for (const auto& pin : inst.side(Side::Dsp)->pins)
+                if (pin.type == Datatype::Audio && pin.output)
+                    engine_->capture(slot, pin.index);
+        }
+        const int slot = known->second;
 
         void* face = nullptr;
         if (inst.dsp->queryInterface(gmpi::MP_IID_LEGACY_INITIALIZATION, &face) == gmpi::MP_OK && face) {
@@ -72,40 +84,39 @@ public:
     void started(Session& s) override {
         if (!engine_)
             return;
-        for (const auto& wire : s.patch().wires) {
-            if (wire.from.side != Side::Dsp || wire.to.side != Side::Dsp)
-                continue;
-            const PinInfo* info = s.patch().pin(wire.from);
-            if (info && info->type == Datatype::Audio)
-                engine_->connect(slot(s, wire.from.instance), wire.from.index, slot(s, wire.to.instance),
-                                 wire.to.index);
-        }
-        for (const auto& inst : s.instances())
-            if (inst->dsp)
-                for (const auto& pin : inst->module().dsp->pins)
-                    if (pin.type == Datatype::Audio && pin.output)
-                        engine_->capture(slots_[inst.get()], pin.index);
+        connectWires(s);
         engine_->afterBlock = [this, &s] { flush(s); };
     }
 
-    bool deliverToDsp(Session& s, Instance& inst, int pin, const Value& value) override {
+    void instanceStarted(Session& s, Instance&) override {
+        if (engine_) {
+            connectWires(s);
+            if (!engine_->afterBlock)
+                engine_->afterBlock = [this, &s] { flush(s); };
+        }
+    }
+
+    void instanceReleasing(Session&, Instance& inst) override {
+        if (const auto it = slots_.find(&inst); it != slots_.end())
+            engine_->detach(it->second);
+    }
+
+    bool deliverToDsp(Session&, Instance& inst, int pin, const Value& value, int64_t offset) override {
         const auto it = slots_.find(&inst);
         if (it == slots_.end())
             return false;
         // The host's echo of a DSP output, or a value for a signal pin, is not an event for the module.
-        const PinInfo* info = inst.module().dsp->byIndex(pin);
+        const PinInfo* info = inst.side(Side::Dsp)->byIndex(pin);
         if (!info || info->output || info->type == Datatype::Audio)
             return true;
-        const Bytes bytes = value.bytes();
-        engine_->queueValue(it->second, pin, bytes.data(), static_cast<int32_t>(bytes.size()));
-        (void)s;
+        engine_->queueValue(it->second, pin, value.data(), value.size(), offset);
         return true;
     }
 
     std::optional<int32_t> messageToAudio(Session&, Instance& inst, int32_t id, int32_t size,
                                           const void* data) override {
         const auto it = slots_.find(&inst);
-        if (it == slots_.end())
+        if (it == slots_.end() || !inst.dsp)
             return std::nullopt;
         engine_->queueMessage(it->second, id, data, size);
         return gmpi::MP_OK;
@@ -144,22 +155,48 @@ public:
 private:
     int slot(Session& s, const std::string& instance) const { return slots_.at(s.instance(instance)); }
 
-    // What the DSP halves sent during the block reaches the GUI side: pin values through the host's
-    // routing (wires, parameters), messages into the GUI half of the same instance.
+    // Audio wires share buffers once both ends have a slot (instances created later join then).
+    void connectWires(Session& s) {
+        const auto& wires = s.patch().wires;
+        for (size_t i = 0; i < wires.size(); ++i) {
+            const WireDecl& wire = wires[i];
+            if (wire.from.side != Side::Dsp || wire.to.side != Side::Dsp || connected_.count(i))
+                continue;
+            const PinInfo* info = s.patch().pin(wire.from);
+            const auto from = slots_.find(s.instance(wire.from.instance));
+            const auto to = slots_.find(s.instance(wire.to.instance));
+            if (!info || info->type != Datatype::Audio || from == slots_.end() || to == slots_.end())
+                continue;
+            engine_->connect(from->second, wire.from.index, to->second, wire.to.index);
+            connected_.insert(i);
+        }
+    }
+
+    // What the DSP halves sent during the block reaches the GUI side in the order it was sent: pin values
+    // through the host's routing (wires, parameters) with their place in the run, messages into the GUI
+    // half of the same instance.
     void flush(Session& s) {
-        for (const auto& v : engine_->takeValues())
-            s.transmit(*bySlot_[static_cast<size_t>(v.slot)], Side::Dsp, v.pin, static_cast<int32_t>(v.bytes.size()),
-                       v.bytes.data());
-        for (const auto& m : engine_->takeMessages()) {
-            Instance& inst = *bySlot_[static_cast<size_t>(m.slot)];
-            if (inst.gui)
-                inst.gui->receiveMessageFromAudio(m.id, static_cast<int32_t>(m.bytes.size()), m.bytes.data());
+        const auto values = engine_->takeValues();
+        const auto messages = engine_->takeMessages();
+        auto v = values.begin();
+        auto m = messages.begin();
+        while (v != values.end() || m != messages.end()) {
+            if (m == messages.end() || (v != values.end() && v->sequence < m->sequence)) {
+                s.transmit(*bySlot_[static_cast<size_t>(v->slot)], Side::Dsp, v->pin,
+                           static_cast<int32_t>(v->bytes.size()), v->bytes.data(), v->time - runStart_);
+                ++v;
+            } else {
+                s.messageToGui(*bySlot_[static_cast<size_t>(m->slot)], m->id, static_cast<int32_t>(m->bytes.size()),
+                               m->bytes.data());
+                ++m;
+            }
         }
     }
 
     std::unique_ptr<AudioEngine> engine_;
     std::map<const Instance*, int> slots_;
     std::vector<Instance*> bySlot_;
+    std::set<size_t> connected_;  // indexes of the patch's audio wires already joined
     bool opened_ = false;
     int64_t runStart_ = 0;
 };

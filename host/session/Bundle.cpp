@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include "gmpi/IMpGraphics.h"
 #include "patch/Error.h"
 #include "patch/Text.h"
 
@@ -75,6 +76,23 @@ bool Bundle::creates(const std::string& id, Side side) {
         return false;
     object->release();
     return true;
+}
+
+bool Bundle::isGraphic(const std::string& id) {
+    gmpi::IMpUnknown* object = nullptr;
+    if (create(id, Side::Gui, object) != gmpi::MP_OK || !object)
+        return false;
+    bool graphic = false;
+    for (const auto& iid : {gmpi_gui_api::SE_IID_GRAPHICS_MPGUI2, gmpi_gui_api::SE_IID_GRAPHICS_MPGUI}) {
+        void* face = nullptr;
+        if (object->queryInterface(iid, &face) == gmpi::MP_OK && face) {
+            static_cast<gmpi::IMpUnknown*>(face)->release();
+            graphic = true;
+            break;
+        }
+    }
+    object->release();
+    return graphic;
 }
 
 std::filesystem::path defaultBundlePath() {

@@ -26,6 +26,9 @@ public:
     int32_t createWithHost(const std::string& id, Side side, gmpi::IMpUnknown* host, gmpi::IMpUnknown*& object);
     // Whether the bundle creates this side of the identifier (creates it and releases it again).
     bool creates(const std::string& id, Side side);
+    // Whether the GUI side the bundle creates for this identifier is a graphic module: one that offers a
+    // graphics face, so a panel can place it (it may still draw nothing, as pointer areas do).
+    bool isGraphic(const std::string& id);
 
     const std::filesystem::path& path() const { return path_; }
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "patch/Patch.h"
@@ -21,13 +22,21 @@ class Session;
 class Extension {
 public:
     virtual ~Extension() = default;
-    // An instance's halves are created; the GUI half has not been given its host yet. The place to
-    // offer extra host faces (Instance::offer) or to take over the DSP half.
+    // An instance's halves are created (at start, or by a "create" step); the GUI half has not been
+    // given its host yet. The place to offer extra host faces (Instance::offer) or to take over the DSP
+    // half.
     virtual void instanceCreated(Session&, Instance&) {}
     // Every instance is set up and initialised; the initial values have not been delivered yet.
     virtual void started(Session&) {}
-    // A value for a pin of a DSP half. True when this extension delivered it.
-    virtual bool deliverToDsp(Session&, Instance&, int /*pin*/, const Value&) { return false; }
+    // An instance a "create" step made is set up and initialised, before its defaults.
+    virtual void instanceStarted(Session&, Instance&) {}
+    // An instance's halves are about to be released by a "release" step: drop what refers to them.
+    virtual void instanceReleasing(Session&, Instance&) {}
+    // A step has run (and the module calls it made have returned).
+    virtual void stepDone(Session&) {}
+    // A value for a pin of a DSP half, offset samples into the next run. True when this extension
+    // delivered it.
+    virtual bool deliverToDsp(Session&, Instance&, int /*pin*/, const Value&, int64_t /*offset*/) { return false; }
     // The GUI half sent a message to its DSP half: the result to answer, or nullopt when not handled.
     virtual std::optional<int32_t> messageToAudio(Session&, Instance&, int32_t /*id*/, int32_t /*size*/,
                                                   const void* /*data*/) {
@@ -36,6 +45,12 @@ public:
     // A pin transmitted a value the host accepted. True when this extension routed it in place of the
     // host's echo and parameters; the pin's wires carry it either way.
     virtual bool transmitted(Session&, Instance&, const PinRef&, const Value&) { return false; }
+    // The scenario sets a pin ("set PIN VALUE"). True when this extension took it (a pin bound to
+    // something the extension owns); otherwise the value is delivered into the pin.
+    virtual bool setByHost(Session&, const PinRef&, const Value&) { return false; }
+    // A name the extension declared in Patch::namedValues, set by the scenario and read by expectations.
+    virtual bool setNamed(Session&, const std::string& /*name*/, const Value&) { return false; }
+    virtual std::optional<Value> namedValue(Session&, const std::string& /*name*/) { return std::nullopt; }
     // Before the modules are released.
     virtual void finishing(Session&) {}
 };

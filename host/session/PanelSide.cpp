@@ -59,8 +59,7 @@ std::string point(float x, float y) {
 class GraphicsExtension final : public Extension {
 public:
     void instanceCreated(Session& s, Instance& inst) override {
-        if (!panel)
-            panel = std::make_unique<Panel>(panelDecl(s.patch()), [&s](const std::string& line) { s.trace(line); });
+        make(s);
         if (!inst.gui)
             return;
         GraphicsHost& host = panel->addInstance(inst.name());
@@ -75,11 +74,23 @@ public:
         }
     }
     void started(Session& s) override {
+        make(s);
         for (const auto& place : panelDecl(s.patch()).placements) {
-            GraphicsHost* h = panel ? panel->host(place.instance) : nullptr;
+            if (s.patch().instance(place.instance)->later)
+                continue;
+            GraphicsHost* h = panel->host(place.instance);
             if (!h || !h->graphics)
                 s.warn("place " + place.instance + ": not a graphic module, not drawn");
         }
+    }
+    void instanceReleasing(Session&, Instance& inst) override {
+        if (panel)
+            panel->releaseInstance(inst.name());
+    }
+    // Dialogs answered while a module's call was running complete once the step's calls have returned.
+    void stepDone(Session&) override {
+        if (panel)
+            panel->runCompletions();
     }
     void finishing(Session&) override {
         if (panel)
@@ -87,12 +98,18 @@ public:
     }
 
     std::unique_ptr<Panel> panel;
+
+private:
+    void make(Session& s) {
+        if (!panel)
+            panel = std::make_unique<Panel>(panelDecl(s.patch()), [&s](const std::string& line) { s.trace(line); });
+    }
 };
 
 Panel& panelOf(Session& s) {
     Panel* panel = findPanel(s);
     if (!panel)
-        throw HostError("the panel is not set up");  // only before start, which steps never see
+        throw HostError("the panel is not set up");  // made at start at the latest, which steps never precede
     return *panel;
 }
 
@@ -232,7 +249,7 @@ Action compileExpectImage(Parser& p, const Line& line) {
     p.arity(line, 2, 3, "expect-image REFERENCE.png [INSTANCE]");
     std::filesystem::path reference = text(line.tokens[1]);
     if (reference.is_relative())
-        reference = p.patch.file.parent_path() / reference;
+        reference = std::filesystem::absolute(p.patch.file).parent_path() / reference;
     const std::string instance = optionalInstance(p, line, 2);
     const Location where = line.where;
     return [=](Session& s) {
@@ -261,22 +278,31 @@ Action compileExpectImage(Parser& p, const Line& line) {
     };
 }
 
-// file-dialog answer PATH | file-dialog cancel; text-edit answer TEXT | text-edit cancel
+// file-dialog [INSTANCE] answer PATH | file-dialog [INSTANCE] cancel, and the same for text-edit
 Action compileAnswer(Parser& p, const Line& line, bool fileDialog) {
-    const char* usage =
-        fileDialog ? "file-dialog answer PATH | file-dialog cancel" : "text-edit answer TEXT | text-edit cancel";
-    p.arity(line, 2, 3, usage);
+    const std::string usage = fileDialog ? "file-dialog [INSTANCE] answer PATH | file-dialog [INSTANCE] cancel"
+                                         : "text-edit [INSTANCE] answer TEXT | text-edit [INSTANCE] cancel";
+    p.arity(line, 2, 4, usage.c_str());
+    size_t next = 1;
+    std::string instance;
+    if (line.tokens[1].raw != "answer" && line.tokens[1].raw != "cancel") {
+        instance = optionalInstance(p, line, 1);
+        if (!p.patch.instance(instance)->gui)
+            p.fail(line, instance + " has no gui side to show a dialog");
+        next = 2;
+    }
     ScriptedAnswer answer;
-    if (line.tokens[1].raw == "answer" && line.tokens.size() == 3)
-        answer = text(line.tokens[2]);
-    else if (!(line.tokens[1].raw == "cancel" && line.tokens.size() == 2))
-        p.fail(line, std::string("usage: ") + usage);
-    return [answer, fileDialog](Session& s) {
+    const size_t rest = line.tokens.size() - next;
+    if (rest == 2 && line.tokens[next].raw == "answer")
+        answer = text(line.tokens[next + 1]);
+    else if (!(rest == 1 && line.tokens[next].raw == "cancel"))
+        p.fail(line, "usage: " + usage);
+    return [instance, answer, fileDialog](Session& s) {
         Panel& panel = panelOf(s);
         if (fileDialog)
-            panel.answerFileDialog(answer);
+            panel.answerFileDialog(instance, answer);
         else
-            panel.answerTextEdit(answer);
+            panel.answerTextEdit(instance, answer);
     };
 }
 

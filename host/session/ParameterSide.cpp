@@ -2,6 +2,8 @@
 // position, a name, menu items and selection, a grab state. Pins bind to a parameter by role; a pin that
 // transmits updates the parameter, which delivers every changed property into every pin bound to it (the
 // sender's own pin included, as the host's echo). DSP pins receive the value as an event of the next block.
+// The scenario moves a parameter as a host does (automation, a preset): "set NAME VALUE" sets its value,
+// "set PIN VALUE" on a bound pin sets the parameter through the pin's role; "expect NAME VALUE" reads it.
 //
 //   parameter NAME int|float|bool|text|blob|list [MIN MAX] [menu "ITEMS"]
 //   bind NAME value|normalized|name|menu-items|menu-selection|grab PIN [PIN ...]
@@ -106,7 +108,7 @@ void parameterDirective(Parser& p, const Line& line) {
     p.arity(line, 3, 7, "parameter NAME int|float|bool|text|blob|list [MIN MAX] [menu \"ITEMS\"]");
     ParameterSpec spec;
     spec.name = line.tokens[1].raw;
-    if (p.patch.param(spec.name) || p.patch.instance(spec.name) || findSpec(p.patch, spec.name))
+    if (p.patch.param(spec.name) || p.patch.instance(spec.name) || p.patch.namedValues.count(spec.name))
         p.fail(line, "the name '" + spec.name + "' is already used");
     const auto type = kTypes.find(line.tokens[2].raw);
     if (type == kTypes.end())
@@ -124,6 +126,7 @@ void parameterDirective(Parser& p, const Line& line) {
         spec.menu = p.value(line, line.tokens[next + 1], Datatype::Text).text();
     }
     specIndex(p.patch).byName.emplace(spec.name, specs(p.patch).size());
+    p.patch.namedValues[spec.name] = valueDatatype(spec.type);
     specs(p.patch).push_back(std::move(spec));
 }
 
@@ -173,17 +176,50 @@ public:
     }
 
     bool transmitted(Session& s, Instance&, const PinRef& pin, const Value& value) override {
+        return setByHost(s, pin, value);
+    }
+
+    bool setByHost(Session& s, const PinRef& pin, const Value& value) override {
         const auto it = bound_.find(pin);
         if (it == bound_.end())
             return false;
         const auto [index, role] = it->second;
-        const Bytes bytes = value.bytes();
-        for (ParamRole changed : params_[index].set(role, bytes.data(), static_cast<int32_t>(bytes.size())))
-            deliverRole(s, index, changed);
+        set(s, index, role, value);
         return true;
     }
 
+    bool setNamed(Session& s, const std::string& name, const Value& value) override {
+        const auto index = indexOf(name);
+        if (!index)
+            return false;
+        if (s.patch().options.trace == Trace::Deliveries)
+            s.trace("=> parameter " + name + " = " + value.format());
+        set(s, *index, ParamRole::Value, value);
+        return true;
+    }
+
+    std::optional<Value> namedValue(Session&, const std::string& name) override {
+        const auto index = indexOf(name);
+        if (!index)
+            return std::nullopt;
+        const std::string bytes = params_[*index].bytes(ParamRole::Value);
+        return Value::decode(valueDatatype(specs_[*index].type), static_cast<int32_t>(bytes.size()), bytes.data());
+    }
+
 private:
+    std::optional<size_t> indexOf(const std::string& name) const {
+        for (size_t i = 0; i < specs_.size(); ++i)
+            if (specs_[i].name == name)
+                return i;
+        return std::nullopt;
+    }
+
+    // Every property the write changed reaches every pin bound to it.
+    void set(Session& s, size_t index, ParamRole role, const Value& value) {
+        for (ParamRole changed : params_[index].set(role, value.data(), value.size()))
+            deliverRole(s, index, changed);
+    }
+
     void deliverRole(Session& s, size_t index, ParamRole role) {
         const auto pins = specs_[index].pins.find(role);
         if (pins == specs_[index].pins.end())

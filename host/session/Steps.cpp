@@ -1,5 +1,6 @@
 // The scenario steps every patch may use: set, expect, print. (set also gives initial values before the
 // scenario line.)
+#include <algorithm>
 #include <cmath>
 #include <ostream>
 #include <variant>
@@ -11,10 +12,12 @@ namespace kxhost {
 
 namespace {
 
-// A pin (instance.Pin) or a host parameter (a bare name).
+// A pin (instance.Pin), a parameter of "param", or a name another part declared (the host parameters of
+// "parameter").
 struct Target {
     std::optional<PinRef> pin;
     const ParamDecl* param = nullptr;
+    std::string named;
     Datatype type = Datatype::Int;
     std::string label;
 };
@@ -23,10 +26,15 @@ Target target(Parser& p, const Line& line, const Token& token) {
     Target t;
     if (token.raw.find('.') == std::string::npos) {
         t.param = p.patch.param(token.raw);
-        if (!t.param)
+        if (t.param) {
+            t.type = t.param->type;
+        } else if (auto it = p.patch.namedValues.find(token.raw); it != p.patch.namedValues.end()) {
+            t.named = it->first;
+            t.type = it->second;
+        } else {
             p.fail(line, "no parameter named '" + token.raw + "' (pins are written instance.Pin)");
-        t.type = t.param->type;
-        t.label = t.param->name;
+        }
+        t.label = token.raw;
     } else {
         t.pin = p.pin(line, token);
         t.type = p.patch.pin(*t.pin)->type;
@@ -35,24 +43,52 @@ Target target(Parser& p, const Line& line, const Token& token) {
     return t;
 }
 
-const Value& current(Session& s, const Target& t) { return t.pin ? s.value(*t.pin) : s.paramValue(*t.param); }
+Value current(Session& s, const Target& t) {
+    if (t.pin)
+        return s.value(*t.pin);
+    return t.param ? s.paramValue(*t.param) : s.namedValue(t.named);
+}
 
-// set TARGET VALUE
+// "at N" after a value: a place in samples, for a DSP pin. Returns -1 when the line has no "at".
+int64_t position(Parser& p, const Line& line, size_t index, const Target& t, const char* what) {
+    if (line.tokens.size() <= index)
+        return -1;
+    if (line.tokens[index].raw != "at" || line.tokens.size() != index + 2)
+        p.fail(line, std::string("usage: ") + what);
+    if (!t.pin || t.pin->side != Side::Dsp)
+        p.fail(line, "'at' places a value in samples: it is for dsp pins, and " + t.label + " is not one");
+    const int n = p.integer(line, line.tokens[index + 1]);
+    if (n < 0)
+        p.fail(line, "'at' takes a sample offset of 0 or more, not " + std::to_string(n));
+    return n;
+}
+
+// set TARGET VALUE [at N]
 Action compileSet(Parser& p, const Line& line) {
-    p.arity(line, 3, 3, "set instance.Pin VALUE | set PARAMETER VALUE");
+    const char* usage = "set instance.Pin VALUE [at SAMPLE] | set PARAMETER VALUE";
+    p.arity(line, 3, 5, usage);
     const Target t = target(p, line, line.tokens[1]);
     const Value v = p.value(line, line.tokens[2], t.type);
-    return [t, v](Session& s) {
+    const int64_t at = position(p, line, 3, t, usage);
+    if (t.pin) {
+        if (!p.inScenario && p.patch.instance(t.pin->instance)->later)
+            p.fail(line, t.pin->instance + " is created later, by the scenario: set its pins after its create step");
+        if (at >= 0 && (p.patch.pin(*t.pin)->output || p.patch.paramOf(*t.pin)))
+            p.fail(line, "'at' delivers into a dsp input; " + t.label + " is an output or bound to a parameter");
+    }
+    return [t, v, at](Session& s) {
         if (t.pin)
-            s.set(*t.pin, v);
-        else
+            s.set(*t.pin, v, std::max<int64_t>(at, 0));
+        else if (t.param)
             s.setParam(*t.param, v);
+        else
+            s.setNamed(t.named, v);
     };
 }
 
-// expect TARGET VALUE | expect TARGET VALUE within TOLERANCE (floats) | expect instance.Pin sent N
+// expect TARGET VALUE [at N] | expect TARGET VALUE within TOLERANCE (floats) | expect instance.Pin sent N
 Action compileExpect(Parser& p, const Line& line) {
-    p.arity(line, 3, 5, "expect TARGET VALUE [within TOLERANCE] | expect instance.Pin sent N");
+    p.arity(line, 3, 5, "expect TARGET VALUE [within TOLERANCE | at SAMPLE] | expect instance.Pin sent N");
     const Target t = target(p, line, line.tokens[1]);
     const Location where = line.where;
     if (line.tokens[2].raw == "sent") {
@@ -71,7 +107,10 @@ Action compileExpect(Parser& p, const Line& line) {
     }
     const Value v = p.value(line, line.tokens[2], t.type);
     float tolerance = 0.0f;
-    if (line.tokens.size() > 3) {
+    int64_t at = -1;
+    if (line.tokens.size() > 3 && line.tokens[3].raw == "at") {
+        at = position(p, line, 3, t, "expect instance.Pin VALUE at SAMPLE");
+    } else if (line.tokens.size() > 3) {
         p.arity(line, 5, 5, "expect TARGET VALUE within TOLERANCE");
         if (line.tokens[3].raw != "within" || (t.type != Datatype::Float && t.type != Datatype::Audio))
             p.fail(line, "usage: expect TARGET VALUE within TOLERANCE (for float pins)");
@@ -79,14 +118,20 @@ Action compileExpect(Parser& p, const Line& line) {
         if (!(tolerance >= 0.0f))
             p.fail(line, "the tolerance is a float of at least 0");
     }
-    const std::string expected = v.format() + (tolerance > 0.0f ? " within " + line.tokens[4].raw : "");
-    return [t, v, tolerance, expected, where](Session& s) {
-        const Value& now = current(s, t);
-        const bool held = tolerance > 0.0f ? std::fabs(now.asFloat() - v.asFloat()) <= tolerance : now == v;
+    const std::string expected = v.format() + (tolerance > 0.0f ? " within " + line.tokens[4].raw : "") +
+                                 (at >= 0 ? " at " + std::to_string(at) : "");
+    return [t, v, tolerance, at, expected, where](Session& s) {
+        const Value now = current(s, t);
+        // -1: the pin has not transmitted from a run.
+        const int64_t sentAt = t.pin ? s.sentAt(*t.pin).value_or(-1) : -1;
+        const bool held = (tolerance > 0.0f ? std::fabs(now.asFloat() - v.asFloat()) <= tolerance : now == v) &&
+                          (at < 0 || sentAt == at);
+        const std::string is = now.format() + (at >= 0 && sentAt >= 0 ? " at " + std::to_string(sentAt) : "");
         if (!held)
-            s.fail(where, "expectation failed: " + t.label + " is " + now.format() + ", expected " + expected);
+            s.fail(where, "expectation failed: " + t.label + " is " + is +
+                              (at >= 0 && sentAt < 0 ? " (not sent from a run)" : "") + ", expected " + expected);
         else
-            s.trace("ok " + t.label + " = " + now.format());
+            s.trace("ok " + t.label + " = " + is);
     };
 }
 

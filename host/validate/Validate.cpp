@@ -68,18 +68,10 @@ std::vector<std::unique_ptr<Aspect>> Aspects::makeAll() {
 
 namespace {
 
+// A side whose last pin the host duplicates is validated with three copies of it.
 SideInfo withDuplicates(const SideInfo& described) {
-    SideInfo pins = described;
-    if (!pins.pins.empty() && pins.pins.back().autoDuplicate) {
-        const PinInfo last = pins.pins.back();
-        for (int i = 1; i <= 3; ++i) {
-            PinInfo copy = last;
-            copy.index = last.index + i;
-            copy.name = last.name + " " + std::to_string(i + 1);
-            pins.pins.push_back(std::move(copy));
-        }
-    }
-    return pins;
+    const bool open = !described.pins.empty() && described.pins.back().autoDuplicate;
+    return open ? *resizedSide(described, static_cast<int>(described.pins.size()) + 3) : described;
 }
 
 }  // namespace
@@ -142,8 +134,10 @@ public:
         if (!mkdtemp(pattern.data()))
             throw HostError("validate: cannot make a temporary folder");
         path_ = pattern;
+        trail::scratch(path_);
     }
     ~TempFolder() {
+        trail::scratch({});
         std::error_code ec;
         std::filesystem::remove_all(path_, ec);
     }

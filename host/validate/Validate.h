@@ -141,6 +141,8 @@ struct Aspects {
 // The step record that survives a crash: what was being called when the process died.
 namespace trail {
 void install(const std::filesystem::path& log);
+// The run's temporary folder: a crash removes it on its way out, as a clean end does.
+void scratch(const std::filesystem::path& folder);
 void module(const std::string& label);
 void step(const std::string& what);
 // Ends the record (a clean end prints nothing on exit).

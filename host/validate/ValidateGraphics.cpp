@@ -163,7 +163,8 @@ private:
         return buttons[s.pick(s.chance(70) ? 1 : 4)] | keys[s.pick(5)];
     }
 
-    // Down, moves, up; sometimes a part is missing (an up without a down, a down never released).
+    // Down, moves, up; sometimes a part is missing (an up without a down, a down never released), and
+    // sometimes a storm of moves, as a fast drag across a busy panel sends.
     void pointerSequence(Subject& s) {
         auto* g = host_->graphics;
         auto send = [&](const char* what, int32_t (gmpi_gui_api::IMpGraphics::*event)(int32_t, MP1_POINT)) {
@@ -174,7 +175,7 @@ private:
         };
         if (s.chance(90))
             send("onPointerDown", &gmpi_gui_api::IMpGraphics::onPointerDown);
-        for (int n = s.pick(5); n > 0 && !s.stopped; --n)
+        for (int n = s.chance(10) ? 200 + s.pick(300) : s.pick(5); n > 0 && !s.stopped; --n)
             send("onPointerMove", &gmpi_gui_api::IMpGraphics::onPointerMove);
         if (s.chance(90) && !s.stopped)
             send("onPointerUp", &gmpi_gui_api::IMpGraphics::onPointerUp);
@@ -200,7 +201,7 @@ private:
         const std::string what = a ? label(file ? "file dialog " : "text editor ", "answered (", a->size(), " bytes)")
                                    : label(file ? "file dialog " : "text editor ", "cancelled");
         s.call(what, [&] {
-            file ? panel_->answerFileDialog(a) : panel_->answerTextEdit(a);
+            file ? panel_->answerFileDialog({}, a) : panel_->answerTextEdit({}, a);
             return gmpi::MP_OK;
         });
         settle(s);

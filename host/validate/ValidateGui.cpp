@@ -113,8 +113,9 @@ public:
             } else {
                 auto* sink = new MenuSink;
                 s.call("populateContextMenu", [&] { return gui_->populateContextMenu(x, y, sink); });
-                if (!sink->ids().empty() && s.chance(80))
-                    selection = sink->ids()[static_cast<size_t>(s.pick(static_cast<int>(sink->ids().size())))];
+                const auto& items = sink->items();
+                if (!items.empty() && s.chance(80))
+                    selection = items[static_cast<size_t>(s.pick(static_cast<int>(items.size())))].id;
                 sink->release();
             }
             s.call("onContextMenu " + std::to_string(selection), [&] { return gui_->onContextMenu(selection); });
@@ -173,7 +174,10 @@ private:
             ++s.tally.malformedSent;
             return gmpi::MP_FAIL;
         }
-        // The host's echo into the sender's own pin, which modules' re-entry guards exist for.
+        // The host's echo into the sender's own pin, which modules' re-entry guards exist for; never on a
+        // pin whose description forbids it.
+        if (!info->echo)
+            return gmpi::MP_OK;
         if (depth_ >= maxEchoDepth) {
             ++s.tally.feedbackCuts;
             return gmpi::MP_OK;

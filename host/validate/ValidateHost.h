@@ -16,8 +16,6 @@
 #include <utility>
 #include <vector>
 
-#include "gmpi/IMpContextItemSink.h"
-#include "gmpi/IString.h"
 #include "gui/GuiHost.h"
 #include "gui/HostObject.h"
 
@@ -25,6 +23,8 @@ namespace kxhost::validate {
 
 using kxhost::Counted;
 using kxhost::CountedObject;
+using kxhost::MenuSink;
+using kxhost::ReturnString;
 
 class HostRefs {
 public:
@@ -39,29 +39,6 @@ public:
 private:
     int outstanding_ = 0;
     std::vector<gmpi::MpGuid> faces_;
-};
-
-// A text the module fills (tool tips, resource paths).
-class ReturnString final : public CountedObject<gmpi::IString> {
-public:
-    ReturnString() : CountedObject(gmpi::MP_IID_RETURNSTRING) {}
-    int32_t setData(const char* data, int32_t size) override;
-    int32_t getSize() override { return static_cast<int32_t>(text_.size()); }
-    const char* getData() override { return text_.data(); }
-
-private:
-    std::string text_;
-};
-
-// Collects context-menu entries; copies each text as the interface promises.
-class MenuSink final : public CountedObject<gmpi::IMpContextItemSink> {
-public:
-    MenuSink() : CountedObject(gmpi::MP_IID_CONTEXT_ITEMS_SINK) {}
-    int32_t AddItem(const char* text, int32_t id, int32_t flags) override;
-    const std::vector<int32_t>& ids() const { return ids_; }
-
-private:
-    std::vector<int32_t> ids_;
 };
 
 // The GUI host a half under validation talks to: resources from one folder, the faces aspects offered,

@@ -68,7 +68,13 @@ const std::vector<std::wstring> plausible = {
     L"a,b,c",
     L"range 0,10",
     L"range -5",
+    L"range -2147483648,2147483647",
+    L"range 2147483647,-2147483648",
+    L"range",
     L"x=3,y=-1",
+    L"a=2147483647,b,c",
+    L"----,<<<<,>>>>,||||",
+    L"----,a=-2147483648,||||,b",
     L"=",
     L",,,",
     L"\u00e9t\u00e9",
@@ -100,6 +106,28 @@ std::wstring randomText(std::mt19937_64& rng, size_t length) {
     return text;
 }
 
+// Long texts of 1 MiB on the pin (262,144 code points), made once: an enumeration list of some 30,000
+// items (values, separators, a range-like head), and words with accents and wide characters. What
+// lists, draws or parses a whole text meets its worst case here.
+std::vector<std::wstring> makeLongTexts() {
+    constexpr size_t units = (1u << 20) / sizeof(wchar_t);
+    std::wstring list, words;
+    for (int i = 0; list.size() < units; ++i) {
+        if (!list.empty())
+            list += L',';
+        list += i % 97 == 0 ? L"----" : L"item " + std::to_wstring(i);
+        if (i % 13 == 0)
+            list += L"=" + std::to_wstring(i * 7919 - 1000000);
+    }
+    list.resize(units);
+    static const wchar_t* const pieces[] = {
+        L"word ", L"\u00e9t\u00e9 ", L"\U0001F600 ", L"\t", L"long-word-without-a-break ", L"\n"};
+    for (int i = 0; words.size() < units; ++i)
+        words += pieces[(i * 7) % 6];
+    words.resize(units);
+    return {std::move(list), std::move(words)};
+}
+
 Input text(std::wstring t, std::string label) {
     Input in;
     in.bytes.resize(t.size() * sizeof(wchar_t));
@@ -123,7 +151,7 @@ const void* Input::data() const {
     return bytes.empty() ? &none : bytes.data();
 }
 
-Inputs::Inputs(uint64_t seed) : big_(bigSize) {
+Inputs::Inputs(uint64_t seed) : big_(bigSize), longTexts_(makeLongTexts()) {
     std::mt19937_64 rng(seed ^ 0x9E3779B97F4A7C15ull);
     for (auto& b : big_)
         b = static_cast<uint8_t>(rng());
@@ -203,16 +231,24 @@ Input Inputs::value(Datatype type, std::mt19937_64& rng) const {
             return raw(v, "bool byte " + std::to_string(v));
         }
         case Datatype::Text: {
-            switch (below(4, rng)) {
+            switch (below(9, rng)) {
                 case 0:
-                case 1: {
+                case 1:
+                case 2:
+                case 3: {
                     const std::wstring& t = any(plausible, rng);
                     return text(t, "text " + quoted(narrow(t)));
                 }
-                case 2: {
+                case 4:
+                case 5: {
                     std::wstring t = randomText(rng, static_cast<size_t>(below(40, rng)));
                     const std::string label = "text of " + std::to_string(t.size()) + " random code points";
                     return text(std::move(t), label);
+                }
+                case 6: {
+                    const size_t which = static_cast<size_t>(below(static_cast<int>(longTexts_.size()), rng));
+                    return text(longTexts_[which],
+                                which == 0 ? "text: an enumeration list of 1 MiB" : "text: 1 MiB of words");
                 }
                 default: {
                     // Plausible text spoiled by an invalid code point or an unpaired surrogate.

@@ -28,7 +28,7 @@ public:
     explicit Inputs(uint64_t seed);
 
     // A value the datatype can hold, chosen to provoke: extremes, NaN, infinities, invalid code points,
-    // unpaired surrogates, text that almost parses, long text.
+    // unpaired surrogates, text that almost parses, enumeration lists huge and malformed, texts of 1 MiB.
     Input value(Datatype type, std::mt19937_64& rng) const;
     // A size the datatype cannot hold (0, 1, 3, 5, 1 MiB, ... whichever are wrong for it), random bytes.
     Input wrongSize(Datatype type, std::mt19937_64& rng) const;
@@ -46,6 +46,7 @@ public:
 
 private:
     std::vector<uint8_t> big_;
+    std::vector<std::wstring> longTexts_;
 };
 
 }  // namespace kxhost::validate

@@ -3,6 +3,7 @@
 // handler prints them, so the report names the module and the input. With --log every step is also
 // appended to a file and flushed, which survives even a kill.
 #include <fcntl.h>
+#include <ftw.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -34,6 +35,7 @@ namespace {
 
 char moduleText[512];
 char stepText[1024];
+char scratchFolder[4096];
 int logFd = -1;
 volatile sig_atomic_t reported = 0;
 
@@ -54,16 +56,23 @@ void writeAll(int fd, const char* text) {
     }
 }
 
-// Only async-signal-safe calls: it runs from signal handlers and sanitizer death callbacks.
+int removeEntry(const char* path, const struct stat*, int, struct FTW*) { return ::remove(path); }
+
+// It runs from signal handlers and sanitizer death callbacks: the report uses only async-signal-safe
+// calls; removing the temporary folder afterwards does not, which a process on its way out can afford.
 void report() {
-    if (reported || moduleText[0] == '\0')
+    if (reported)
         return;
     reported = 1;
-    writeAll(2, "\nkxhost validate: CRASHED in ");
-    writeAll(2, moduleText);
-    writeAll(2, "\nkxhost validate: at ");
-    writeAll(2, stepText[0] ? stepText : "(no step recorded)");
-    writeAll(2, "\n");
+    if (moduleText[0] != '\0') {
+        writeAll(2, "\nkxhost validate: CRASHED in ");
+        writeAll(2, moduleText);
+        writeAll(2, "\nkxhost validate: at ");
+        writeAll(2, stepText[0] ? stepText : "(no step recorded)");
+        writeAll(2, "\n");
+    }
+    if (scratchFolder[0] != '\0')
+        nftw(scratchFolder, removeEntry, 16, FTW_DEPTH | FTW_PHYS);
 }
 
 void onSignal(int sig) {
@@ -87,6 +96,8 @@ void install(const std::filesystem::path& log) {
         std::signal(sig, onSignal);
 #endif
 }
+
+void scratch(const std::filesystem::path& folder) { copyInto(scratchFolder, sizeof scratchFolder, folder.string()); }
 
 void module(const std::string& label) {
     copyInto(moduleText, sizeof moduleText, label);

@@ -33,15 +33,16 @@ inline std::wstring pathText(std::string_view bytes) {
 }
 
 // The full path the host's first-generation GUI interface gives a file name (an empty name gives its
-// resource folder); nullopt without a host, without that interface, or when the host fails. The answer
-// is cut at 499 characters: a host that fills the whole buffer still leaves a terminated text.
+// resource folder); nullopt without a host or without that interface. Whatever the host leaves in the
+// buffer is the answer, whatever result it reports (hosts differ in what they return); a host that
+// writes nothing gives an empty text. The answer is cut at 499 characters: a host that fills the whole
+// buffer still leaves a terminated text.
 inline std::optional<std::wstring> resolveFileName(gmpi::IMpUnknown* host, const std::wstring& name) {
     auto firstGeneration = gmpi_sdk::queryAs<gmpi::IMpUserInterfaceHost>(host, gmpi::MP_IID_UI_HOST);
     if (!firstGeneration)
         return std::nullopt;
     std::array<wchar_t, 500> full{};
-    if (firstGeneration->resolveFilename(name.c_str(), static_cast<int32_t>(full.size()), full.data()) != gmpi::MP_OK)
-        return std::nullopt;
+    firstGeneration->resolveFilename(name.c_str(), static_cast<int32_t>(full.size()), full.data());
     full.back() = L'\0';
     return std::wstring(full.data());
 }

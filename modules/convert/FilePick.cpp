@@ -202,15 +202,13 @@ const char* fileResourceCategory(const std::string& path) {
     return nullptr;
 }
 
-KX_FileReq::KX_FileReq() : link_(std::make_shared<Link>(Link{this})) {
+KX_FileReq::KX_FileReq() {
     initializePin(fileName);
     initializePin(extensions);
     initializePin(saveMode);
     initializePin(open, &KX_FileReq::onSetOpen);
     initializePin(fileChosen);
 }
-
-KX_FileReq::~KX_FileReq() { link_->module = nullptr; }
 
 void KX_FileReq::onSetOpen() {
     if (open) {
@@ -240,11 +238,7 @@ void KX_FileReq::onSetOpen() {
     dialog.SetInitialFullPath(kx::toUtf8(fileName.getValue()));
 
     dialog_ = std::move(dialog);
-    const uint32_t serial = ++dialogSerial_;
-    dialog_.ShowAsync([link = link_, serial](int32_t result) {
-        if (link->module && link->module->dialogSerial_ == serial)
-            link->module->OnFileDialogComplete(result);
-    });
+    dialog_.ShowAsync(dialogDone_.bind([this](int32_t result) { OnFileDialogComplete(result); }));
 }
 
 void KX_FileReq::OnFileDialogComplete(int32_t result) {

@@ -89,7 +89,6 @@ private:
 class KX_FileReq : public SeGuiInvisibleBase {
 public:
     KX_FileReq();
-    ~KX_FileReq() override;
 
     void onSetOpen();
     void OnFileDialogComplete(int32_t result);
@@ -101,16 +100,10 @@ public:
     MpGuiPin<bool> fileChosen;
 
 private:
-    // What a pending completion reaches the module through: the host may answer after the module is
-    // gone, so the destructor clears the pointer instead of leaving the callback a dangling one.
-    struct Link {
-        KX_FileReq* module;
-    };
-
     bool previousOpen_ = false;
     GmpiGui::FileDialog dialog_;
-    uint32_t dialogSerial_ = 0;  // which dialog dialog_ is, so an answer to a replaced one is ignored
-    std::shared_ptr<Link> link_;
+    // Only the newest dialog's answer reaches the module, and none once it is gone.
+    gmpi_gui::PendingCompletion dialogDone_;
 };
 
 // The resource kind the host files a chosen file under, by its extension (exact, case-sensitive):

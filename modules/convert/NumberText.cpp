@@ -1,7 +1,14 @@
 // Number and colour text: KX_Int2TxtC, KX_Float2TxtC, KX_ARGB2Str.
 #include "convert/NumberText.h"
 
+#include <locale.h>
+#include <stdlib.h>
+#if defined(__APPLE__)
+#include <xlocale.h>
+#endif
+
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -15,28 +22,43 @@ namespace {
 
 bool isSpace(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\v' || c == L'\f' || c == L'\r'; }
 
-bool isNumberChar(wchar_t c) {
-    return (c >= L'0' && c <= L'9') || (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || c == L'.' || c == L'+' ||
-           c == L'-' || c == L'(' || c == L')' || c == L'_';
+// The "C" locale, made once. Typed numbers are read with the point and the C-locale classes whatever
+// locale the host process has set: a host may well set LC_NUMERIC for its own user interface, and a
+// patch must read "2.5" alike everywhere.
+locale_t cLocale() {
+    static const locale_t c = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(0));
+    return c;
 }
 
-// The characters a number could be made of, after leading white space, as narrow text, with a leading
-// '+' removed (from_chars takes only '-'). Empty when a '+' is followed by another sign, which the
-// standard conversions refuse. Longer texts are cut: no number the modules accept needs more.
-std::string numberPrefix(std::wstring_view text) {
-    constexpr size_t kLongestNumber = 1024;
+// The text from its first character that is not white space, as narrow text, up to its first character
+// outside ASCII: no number is written with one in the C locale, so the standard conversions stop there
+// too. Nothing is cut for length: 2,000 zeros and a 5 are a 5.
+std::string numberText(std::wstring_view text) {
     size_t i = 0;
     while (i < text.size() && isSpace(text[i]))
         ++i;
-    if (i < text.size() && text[i] == L'+') {
-        ++i;
-        if (i < text.size() && (text[i] == L'+' || text[i] == L'-'))
-            return {};
-    }
     std::string out;
-    for (; i < text.size() && out.size() < kLongestNumber && isNumberChar(text[i]); ++i)
+    for (; i < text.size() && text[i] > 0 && text[i] < 0x80; ++i)
         out.push_back(static_cast<char>(text[i]));
     return out;
+}
+
+// Runs a standard conversion in the C locale. Nothing when it reads no number or reports the value out
+// of range; errno is left as it was.
+template <class Convert>
+auto convertInC(const std::string& text, Convert convert) -> std::optional<decltype(convert("", nullptr, locale_t{}))> {
+    const locale_t c = cLocale();
+    if (!c)
+        return std::nullopt;
+    const int saved = errno;
+    errno = 0;
+    char* end = nullptr;
+    const auto value = convert(text.c_str(), &end, c);
+    const bool outOfRange = errno == ERANGE;
+    errno = saved;
+    if (end == text.c_str() || outOfRange)
+        return std::nullopt;
+    return value;
 }
 
 // Beyond this many significant digits a double prints the same: its exact decimal expansion is shorter.
@@ -45,21 +67,15 @@ constexpr int kMostSignificantDigits = 767;
 }  // namespace
 
 std::optional<int> parseLeadingInt(std::wstring_view text) {
-    const std::string digits = numberPrefix(text);
-    long long n = 0;
-    const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), n, 10);
-    if (ec != std::errc() || n < INT32_MIN || n > INT32_MAX)
+    const auto n =
+        convertInC(numberText(text), [](const char* s, char** end, locale_t c) { return strtoll_l(s, end, 10, c); });
+    if (!n || *n < INT32_MIN || *n > INT32_MAX)
         return std::nullopt;
-    return static_cast<int>(n);
+    return static_cast<int>(*n);
 }
 
 std::optional<float> parseLeadingFloat(std::wstring_view text) {
-    const std::string number = numberPrefix(text);
-    float f = 0.0f;
-    const auto [end, ec] = std::from_chars(number.data(), number.data() + number.size(), f, std::chars_format::general);
-    if (ec != std::errc())
-        return std::nullopt;
-    return f;
+    return convertInC(numberText(text), [](const char* s, char** end, locale_t c) { return strtof_l(s, end, c); });
 }
 
 std::wstring formatGeneral(float value, int precision) {

@@ -26,13 +26,16 @@ enum Pin : int { Alpha, Red, Green, Blue, Text, PinCount };
 
 namespace kx {
 
-// The leading base-10 integer of a text: white space, an optional sign, digits up to the first other
-// character ("12abc" is 12). Nothing when the text does not begin with a number or the number does not
-// fit in 32 bits.
+// Both read a text as the standard string-to-number conversions read it in the C locale, whatever locale
+// the process has: leading white space, a sign, then the number, of any length; trailing characters are
+// ignored. Nothing, and no exception, when the text does not begin with a number or its value is out of
+// range.
+//
+// The leading base-10 integer ("12abc" is 12, "0x1A" is 0); out of range beyond 32 bits.
 std::optional<int> parseLeadingInt(std::wstring_view text);
-// The leading floating point number of a text: white space, sign, decimal or exponent notation, the
-// spellings inf, infinity and nan; trailing characters ignored. Independent of the process locale (the
-// point is always '.'). Nothing when there is no number or it is out of the float range.
+// The leading floating point number: decimal or exponent notation, hexadecimal ("0x1A" is 26, "0x1p-2"
+// 0.25), infinity and NaN spellings in any case ("inf", "Infinity", "nan(123)"); the point is always '.'.
+// Out of range when the conversion reports it: beyond the float range, and an underflow ("1e-40").
 std::optional<float> parseLeadingFloat(std::wstring_view text);
 // General notation as a stream prints it with the given precision (significant digits; trailing zeros
 // and point dropped; exponent form when the exponent is below -4 or at least the precision). Precision 0

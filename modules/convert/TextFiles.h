@@ -23,9 +23,12 @@ namespace kx {
 // leaving text alone, when the file cannot be opened or is a folder. A read that stops early still
 // yields what was read.
 bool readTextFile(const std::string& path, std::wstring& text);
-// Writes the text's UTF-8 to the file at a UTF-8 path, replacing its contents. False when the file
-// cannot be opened or the text holds values that are not Unicode code points (the file is then not
-// touched).
+// Replaces the file at a UTF-8 path with the text's UTF-8, whole or not at all: the text is written to a
+// new file in the same folder, synced to the disk, and only then put in the old file's place, keeping its
+// permission bits. A link is followed and stays a link. False, with the old file exactly as it was and
+// nothing left beside it, when the text holds values that are not Unicode code points, when the name is
+// not a regular file or not writable, when the folder does not let a new file be made, or when any write
+// fails part way (disk full, quota, file-size limit, I/O error).
 bool writeTextFile(const std::string& path, std::wstring_view text);
 
 }  // namespace kx

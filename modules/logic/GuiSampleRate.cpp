@@ -2,9 +2,13 @@
 
 #include "MpFactory.h"
 
+// The GUI half waits for this one message, so it goes out even when the host cannot tell its rate: the
+// GUI then shows what the host left in the field (0 when it wrote nothing).
 int32_t KX_GUISampleRate::open() {
-    if (host && host->getSampleRate(sampleRate) == gmpi::MP_OK)
+    if (host) {
+        host->getSampleRate(sampleRate);
         host->sendMessageToGui(0, sizeof sampleRate, &sampleRate);
+    }
     return MpBase2::open();
 }
 

@@ -65,6 +65,11 @@ void KX_GUISet2Trig::subProcess(int sampleFrames) {
             out[i] = pulseLevel;
     if (samplesRemaining > 0)
         return;
+    // A pulse that fills the run to its end stops at the start of the next run: a time stamp is an
+    // offset inside the block, and the end of this run may be the end of the block. Staying awake until
+    // then lets the next block carry the stop.
+    if (i == sampleFrames && pinSignal.isStreaming())
+        return;
     if (pinSignal.isStreaming())
         pinSignal.setStreaming(false, blockPosition + i);
     setSleep(true);

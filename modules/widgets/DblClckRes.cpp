@@ -1,17 +1,11 @@
 #include "widgets/DblClckRes.h"
 
-#include <chrono>
 #include <cmath>
 #include <limits>
 
 #include "MpFactory.h"
 
 namespace {
-
-std::int64_t steadyNowNs() {
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
 
 // The time limit truncated to whole milliseconds, saturating instead of overflowing; a NaN limit allows
 // no double click at all.
@@ -28,7 +22,7 @@ bool withinLimit(std::int64_t elapsedMs, float limitMs) {
 
 }  // namespace
 
-KX_DblClckRes::KX_DblClckRes() : clock_(&steadyNowNs) {
+KX_DblClckRes::KX_DblClckRes() : clock_(&kx::steadyNowNs) {
     initializePin(value_);
     initializePin(resetValue_);
     initializePin(timeLimitMs_);

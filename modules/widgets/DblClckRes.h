@@ -3,9 +3,9 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 
 #include "MpGuiBase2.h"
+#include "SteadyClock.h"
 
 namespace kx::dblclckres {
 enum Pin : int { Value, ResetValue, TimeLimitMs, PointerDown, PinCount };
@@ -13,8 +13,8 @@ enum Pin : int { Value, ResetValue, TimeLimitMs, PointerDown, PinCount };
 
 class KX_DblClckRes : public SeGuiInvisibleBase {
 public:
-    // A monotonic clock in nanoseconds; the default is the steady clock. Tests inject their own.
-    using Clock = std::function<std::int64_t()>;
+    // The default is the steady clock; tests inject their own.
+    using Clock = kx::Clock;
 
     KX_DblClckRes();
 

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "HostTestSupport.h"
+#include "TempFolder.h"
 #include "gmpi/IString.h"
 #include "gui/GuiHost.h"
 #include "patch/Text.h"
@@ -20,8 +21,8 @@ struct ResourceDir {
         std::filesystem::create_directories(dir / "skin");
         std::ofstream(dir / "skin" / "knob.png") << "0123456789";
     }
-    ~ResourceDir() { std::filesystem::remove_all(dir); }
-    std::filesystem::path dir = std::filesystem::temp_directory_path() / "kxhost_gui_host_test";
+    kxtest::TempFolder folder;
+    const std::filesystem::path& dir = folder.path();
 };
 
 class ReturnString final : public gmpi::IString {
@@ -166,7 +167,8 @@ TEST(GuiHost, TextTravelsAsCodePoints) {
 
 TEST(Bundle, MissingOrBrokenBundlesAreErrors) {
     EXPECT_THROW(Bundle("/no/such/bundle.so"), HostError);
-    const auto notALibrary = std::filesystem::temp_directory_path() / "kxhost_not_a_library.so";
+    const kxtest::TempFolder folder;
+    const auto notALibrary = folder / "not_a_library.so";
     std::ofstream(notALibrary) << "text";
     try {
         Bundle b(notALibrary);
@@ -174,7 +176,6 @@ TEST(Bundle, MissingOrBrokenBundlesAreErrors) {
     } catch (const HostError& e) {
         EXPECT_NE(std::string(e.what()).find("cannot be loaded"), std::string::npos);
     }
-    std::filesystem::remove(notALibrary);
     try {
         Bundle b(KX_NO_ENTRY_BUNDLE);
         ADD_FAILURE();

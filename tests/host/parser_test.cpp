@@ -116,6 +116,64 @@ TEST(PatchParser, UnknownKeywordsReachRegisteredHandlers) {
     EXPECT_EQ(p.scenario[0].name, "test-step");
 }
 
+TEST(PatchParser, InstancesTakeAPinCountAndACreationTime) {
+    const Patch p = parse("instance a T_AddOne later pins 1\ninstance b T_AddOne pins 2\n");
+    EXPECT_TRUE(p.instances[0].later);
+    EXPECT_EQ(p.instances[0].side(Side::Gui)->pins.size(), 1u);
+    EXPECT_FALSE(p.instances[1].later);
+    EXPECT_EQ(errorOf("instance a T_AddOne pins 1\nset a.Out 1"), "p.kxp:2: T_AddOne (gui) has no pin named \"Out\"");
+    EXPECT_EQ(errorOf("instance a T_AddOne pins -1"), "p.kxp:1: T_AddOne takes 0 to 2 gui pins, not -1");
+    EXPECT_EQ(errorOf("instance a T_AddOne later gui"),
+              "p.kxp:1: usage: instance NAME IDENTIFIER [gui|dsp|both] [pins N] [later]");
+    EXPECT_EQ(errorOf("instance a T_AddOne pins"),
+              "p.kxp:1: usage: instance NAME IDENTIFIER [gui|dsp|both] [pins N] [later]");
+}
+
+TEST(PatchParser, ALastPinTheHostDuplicatesGivesNamedCopies) {
+    Catalogue c;
+    c.addText(R"({"modules": [{"id": "S", "name": "S", "gui": {"pins": [
+        {"index": 0, "name": "Common", "datatype": "int", "direction": "in"},
+        {"index": 1, "name": "Extra", "datatype": "int", "direction": "in", "autoDuplicate": true,
+         "echo": false}]}}]})",
+              "s.json");
+    const Patch p = parsePatchText("instance s S pins 4\nscenario\nset s.\"Extra 3\" 1\n", "p.kxp", c);
+    const auto& pins = p.instances[0].side(Side::Gui)->pins;
+    ASSERT_EQ(pins.size(), 4u);
+    EXPECT_EQ(pins[3].index, 3);
+    EXPECT_EQ(pins[3].name, "Extra 3");
+    EXPECT_FALSE(pins[3].echo) << "copies are like the pin they copy";
+    EXPECT_EQ(parsePatchText("instance s S pins 0\n", "p.kxp", c).instances[0].side(Side::Gui)->pins.size(), 0u);
+    EXPECT_THROW(c.addText(R"({"modules": [{"id": "T", "name": "T", "gui": {"pins": [
+        {"index": 0, "name": "A", "datatype": "int", "direction": "in", "echo": "no"}]}}]})",
+                           "t.json"),
+                 HostError);
+}
+
+TEST(PatchParser, OrderAndPlacesAreCheckedBeforeAnythingRuns) {
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect-order a.Out 1 then"),
+              "p.kxp:4: expect-order needs an item before and after each 'then'");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect-order a.Out 1 2"),
+              "p.kxp:4: an item is written PIN [VALUE] [at SAMPLE], not 'a.Out 1 2'");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect-order a.Out at 3"),
+              "p.kxp:4: 'at' is for dsp pins, and a.Out is not one");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect-message a sideways 0"),
+              "p.kxp:4: a message goes to-dsp or to-gui, not 'sideways'");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect-sent a.Out 3 1"), "p.kxp:4: expect-sent needs 0 <= MIN <= MAX");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect_sent a.Out 3 1"), "p.kxp:4: expect_sent needs 0 <= MIN <= MAX");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nmenu a x 1"), "p.kxp:4: x is not a float");
+    EXPECT_EQ(errorOf(twoAdders + "scenario\nfile-dialog c answer \"x\""), "p.kxp:4: no instance named 'c'");
+}
+
+TEST(PatchTokens, ABareColourIsAWordAndAnyOtherHashAComment) {
+    const auto colour = tokenize("panel 160 110 #303038   # the background", {"f", 1});
+    ASSERT_EQ(colour.size(), 4u);
+    EXPECT_EQ(colour[3].text, "#303038");
+    EXPECT_EQ(tokenize("panel 1 1 #FF303038", {"f", 1}).size(), 4u);
+    EXPECT_EQ(tokenize("panel 1 1 #30303", {"f", 1}).size(), 3u) << "five digits are a comment";
+    EXPECT_EQ(tokenize("panel 1 1 #303038x", {"f", 1}).size(), 3u);
+    EXPECT_EQ(tokenize("#abcdef", {"f", 1}).size(), 1u);
+}
+
 // Names are found through indexes, not by scanning what was declared before: forty thousand instances
 // with a wire and a parameter each once took seconds. The test is the size, not a timing.
 TEST(PatchParser, FortyThousandNamesResolve) {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "TempFolder.h"
 #include "gmpi/IMpCompletionHandler.h"
 #include "gmpi/IString.h"
 #include "gui/Graphics.h"
@@ -162,8 +163,8 @@ TEST(RenderDrawing, GradientBrushesRunFromFirstToLastStop) {
 }
 
 TEST(RenderImages, LoadsPngAndTakesABmpsMaskAsAlpha) {
-    const auto dir = std::filesystem::temp_directory_path() / "kx_render_images";
-    std::filesystem::create_directories(dir);
+    const kxtest::TempFolder folder;
+    const std::filesystem::path& dir = folder.path();
     // A 2 x 1 24-bit BMP (blue, white) and a mask (black, white): the first pixel becomes transparent.
     auto bmp = [](const std::filesystem::path& file, uint32_t p0, uint32_t p1) {
         const unsigned char header[54] = {'B', 'M', 62, 0, 0, 0, 0, 0, 0, 0,  54, 0, 0, 0, 40, 0, 0, 0, 2,
@@ -209,7 +210,6 @@ TEST(RenderImages, LoadsPngAndTakesABmpsMaskAsAlpha) {
     ASSERT_EQ(factory.LoadImageWithMaskU((dir / "k.bmp").c_str(), (dir / "none.bmp").c_str(), &masked), gmpi::MP_OK);
     EXPECT_EQ(pixel(masked, 0), 0xFF0000FFu);
     masked->release();
-    std::filesystem::remove_all(dir);
 }
 
 TEST(RenderText, MetricsFollowTheSizeAndUnknownFamiliesFallBack) {
@@ -387,7 +387,7 @@ TEST_F(RenderPanel, DialogAnswersCompleteAfterTheModulesCallOrAtOnce) {
     Handler handler;
     Text chosen;
 
-    panel->answerFileDialog(std::string("/skin/a.png"));
+    panel->answerFileDialog("", std::string("/skin/a.png"));
     dialog->ShowAsync(&handler);
     EXPECT_TRUE(handler.results.empty());  // not inside ShowAsync
     panel->runCompletions();
@@ -398,7 +398,7 @@ TEST_F(RenderPanel, DialogAnswersCompleteAfterTheModulesCallOrAtOnce) {
     dialog->ShowAsync(&handler);  // no answer queued: stays open
     panel->runCompletions();
     EXPECT_EQ(handler.results.size(), 1u);
-    panel->answerFileDialog(std::nullopt);
+    panel->answerFileDialog("", std::nullopt);
     EXPECT_EQ(handler.results, (std::vector<int32_t>{0, -1}));
     dialog->release();
 
@@ -408,14 +408,61 @@ TEST_F(RenderPanel, DialogAnswersCompleteAfterTheModulesCallOrAtOnce) {
     auto* editor = static_cast<gmpi_gui::IMpPlatformText*>(face);
     editor->SetText("before");
     editor->ShowAsync(&handler);
-    panel->answerTextEdit(std::nullopt);
+    panel->answerTextEdit("", std::nullopt);
     editor->GetText(&chosen);
     EXPECT_EQ(chosen.s, "before");  // a cancelled edit keeps the text
     editor->ShowAsync(&handler);
-    panel->answerTextEdit(std::string("after"));
+    panel->answerTextEdit("", std::string("after"));
     editor->GetText(&chosen);
     EXPECT_EQ(chosen.s, "after");
     editor->release();
+}
+
+TEST_F(RenderPanel, ANewerEditorReplacesTheOlderAndAnswersWaitForTheirInstance) {
+    auto editorOf = [&](const char* name) {
+        gmpi::IMpUnknown* object = nullptr;
+        EXPECT_EQ(panel->host(name)->createPlatformTextEdit(nullptr, &object), gmpi::MP_OK);
+        void* face = nullptr;
+        object->queryInterface(gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT, &face);
+        object->release();
+        return static_cast<gmpi_gui::IMpPlatformText*>(face);
+    };
+    auto* first = editorOf("lower");
+    auto* second = editorOf("upper");
+    Handler firstDone, secondDone;
+    Text text;
+
+    // An answer meant for upper does not complete lower's editor.
+    panel->answerTextEdit("upper", std::string("for upper"));
+    first->ShowAsync(&firstDone);
+    panel->runCompletions();
+    EXPECT_TRUE(firstDone.results.empty());
+
+    // upper's editor replaces lower's, which is cancelled; upper takes the answer queued for it.
+    second->ShowAsync(&secondDone);
+    panel->runCompletions();
+    EXPECT_EQ(firstDone.results, std::vector<int32_t>{-1});
+    EXPECT_EQ(secondDone.results, std::vector<int32_t>{0});
+    second->GetText(&text);
+    EXPECT_EQ(text.s, "for upper");
+
+    // An answer naming another instance than the open editor's waits; one naming it completes it.
+    first->ShowAsync(&firstDone);
+    panel->answerTextEdit("upper", std::string("later"));
+    EXPECT_EQ(firstDone.results.size(), 1u);
+    panel->answerTextEdit("lower", std::string("now"));
+    EXPECT_EQ(firstDone.results, (std::vector<int32_t>{-1, 0}));
+
+    // A released instance's open editor goes without a call back.
+    second->ShowAsync(&secondDone);  // takes "later"
+    panel->runCompletions();
+    first->ShowAsync(&firstDone);
+    panel->releaseInstance("lower");
+    panel->answerTextEdit("", std::string("nobody"));
+    panel->runCompletions();
+    EXPECT_EQ(firstDone.results.size(), 2u);
+    first->release();
+    second->release();
 }
 
 namespace {
@@ -470,13 +517,13 @@ TEST_F(RenderPanel, PresenterShowsWhatNoScriptAnswersAndLearnsOfEveryOtherEnd) {
 
     // A scripted step answers an open one: the presenter takes it down.
     dialog->ShowAsync(&handler);
-    panel->answerFileDialog(std::nullopt);
+    panel->answerFileDialog("", std::nullopt);
     ASSERT_EQ(presenter.withdrawn.size(), 1u);
     EXPECT_EQ(presenter.withdrawn[0], presenter.shown[1]);
     EXPECT_EQ(handler.results, (std::vector<int32_t>{0, -1}));
 
     // An answer queued before the dialog shows takes it without the user.
-    panel->answerFileDialog(std::string("/songs/queued.wav"));
+    panel->answerFileDialog("", std::string("/songs/queued.wav"));
     dialog->ShowAsync(&handler);
     panel->runCompletions();
     EXPECT_EQ(presenter.shown.size(), 2u);

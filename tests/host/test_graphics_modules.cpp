@@ -1,6 +1,7 @@
 // Graphic modules for testing the renderer and the panel's pointer routing with a real skin: a frame of a
-// skin image with a text below it, dragged like a knob; a drawn list whose rows take clicks and hover; and
-// a text field edited through the host's text editor.
+// skin image with a text below it, dragged like a knob, whose text is also its tool tip and which offers a
+// context menu from an enumeration list (the choice comes back as a pulse); a drawn list whose rows take
+// clicks and hover; and a text field edited through the host's text editor.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -18,6 +19,8 @@ public:
         initializePin(pinFilename, &ImageBase::onSetFilename);
         initializePin(text, &T_SkinText::onSetText);
         initializePin(style, &T_SkinText::onSetText);
+        initializePin(pinMenuItems);
+        initializePin(pinMenuSelection);
     }
 
     // A vertical drag moves the position by 0.005 a pixel (0.001 with the fine modifier), up raising it.
@@ -146,8 +149,11 @@ public:
 
     int32_t onPointerDown(int32_t flags, GmpiDrawing_API::MP1_POINT) override {
         gmpi::IMpUnknown* made = nullptr;
+        // Over the module's own area, in its own coordinates.
+        const auto r = getRect();
+        const GmpiDrawing_API::MP1_RECT area{0, 0, r.right - r.left, r.bottom - r.top};
         if (!(flags & gmpi_gui_api::GG_POINTER_FLAG_FIRSTBUTTON) || !getGuiHost() ||
-            getGuiHost()->createPlatformTextEdit(&getRect(), &made) != gmpi::MP_OK)
+            getGuiHost()->createPlatformTextEdit(&area, &made) != gmpi::MP_OK)
             return gmpi::MP_OK;
         editor_ = GmpiGui::TextEdit(made);
         editor_.SetText(kx::toUtf8(text.getValue()));

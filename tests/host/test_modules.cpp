@@ -47,7 +47,7 @@ private:
 };
 
 // Value is copied to Out, a pin the host also writes; every write of Out (the host's echo included)
-// counts in Echoes.
+// counts in Echoes. Also registered as T_NoEchoCounter, whose description forbids the echo on Out.
 class T_EchoCounter : public SeGuiInvisibleBase {
 public:
     T_EchoCounter() {
@@ -167,5 +167,6 @@ namespace {
 const bool registered =
     gmpi::Register<T_AddOne>::withId(L"T_AddOne") && gmpi::Register<T_EchoText>::withId(L"T_EchoText") &&
     gmpi::Register<T_Thrower>::withId(L"T_Thrower") && gmpi::Register<T_EchoCounter>::withId(L"T_EchoCounter") &&
-    gmpi::Register<T_HostProbe>::withId(L"T_HostProbe") && gmpi::Register<T_Misbehave>::withId(L"T_Misbehave");
+    gmpi::Register<T_EchoCounter>::withId(L"T_NoEchoCounter") && gmpi::Register<T_HostProbe>::withId(L"T_HostProbe") &&
+    gmpi::Register<T_Misbehave>::withId(L"T_Misbehave");
 }

@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "FakeGuiHost.h"
@@ -214,9 +215,36 @@ public:
     MP1_LINEAR_GRADIENT_BRUSH_PROPERTIES lastLinear{};
     MP1_RADIAL_GRADIENT_BRUSH_PROPERTIES lastRadial{};
     MP1_BRUSH_PROPERTIES lastBrush{};
+    // A drawing call with the colour of its brush (alpha -1 for a brush that is not solid).
+    struct Shape {
+        MP1_RECT rect;
+        MP1_COLOR colour;
+    };
+    struct Line {
+        MP1_POINT from, to;
+        float width;
+        MP1_COLOR colour;
+    };
+    struct Text {
+        std::string text;
+        MP1_RECT rect;
+        MP1_COLOR colour;
+        int32_t options;
+    };
+
     std::vector<BitmapDraw> bitmaps;
     std::vector<std::string> texts;
     std::vector<MP1_RECT> fills;
+    std::vector<Shape> solidFills;  // every FillRectangle, with its colour
+    std::vector<Shape> outlines;    // every DrawRectangle
+    std::vector<Line> lines;
+    struct Ellipse {
+        MP1_ELLIPSE ellipse;
+        MP1_COLOR colour;
+    };
+    std::vector<Ellipse> filledEllipses;
+    std::vector<Text> drawnTexts;
+    std::vector<MP1_RECT> clips;  // pushed and not yet popped
 
     int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
         *out = nullptr;
@@ -229,17 +257,27 @@ public:
     int32_t addRef() override { return 1; }
     int32_t release() override { return 1; }
     void GetFactory(IMpFactory** f) override { *f = &factory; }
-    void DrawRectangle(const MP1_RECT*, IMpBrush*, float) override {}
-    void FillRectangle(const MP1_RECT* r, IMpBrush*) override { fills.push_back(*r); }
+    static MP1_COLOR colourOf(IMpBrush* b) {
+        auto* solid = dynamic_cast<Solid*>(b);
+        return solid ? solid->color : MP1_COLOR{0, 0, 0, -1};
+    }
+    void DrawRectangle(const MP1_RECT* r, IMpBrush* b, float) override { outlines.push_back({*r, colourOf(b)}); }
+    void FillRectangle(const MP1_RECT* r, IMpBrush* b) override {
+        fills.push_back(*r);
+        solidFills.push_back({*r, colourOf(b)});
+    }
     void DrawRoundedRectangle(const MP1_ROUNDED_RECT*, IMpBrush*, float) override {}
     void FillRoundedRectangle(const MP1_ROUNDED_RECT*, IMpBrush*) override {}
     void DrawEllipse(const MP1_ELLIPSE*, IMpBrush*, float) override {}
-    void FillEllipse(const MP1_ELLIPSE*, IMpBrush*) override {}
-    void DrawLine(MP1_POINT, MP1_POINT, IMpBrush*, float) override {}
+    void FillEllipse(const MP1_ELLIPSE* e, IMpBrush* b) override { filledEllipses.push_back({*e, colourOf(b)}); }
+    void DrawLine(MP1_POINT p0, MP1_POINT p1, IMpBrush* b, float w) override {
+        lines.push_back({p0, p1, w, colourOf(b)});
+    }
     void DrawGeometry(IMpPathGeometry*, IMpBrush*, float) override {}
     void FillGeometry(IMpPathGeometry*, IMpBrush*) override {}
-    void DrawTextU(const char* s, int32_t n, IMpTextFormat*, const MP1_RECT*, IMpBrush*, int32_t) override {
+    void DrawTextU(const char* s, int32_t n, IMpTextFormat*, const MP1_RECT* r, IMpBrush* b, int32_t o) override {
         texts.emplace_back(s, n < 0 ? std::strlen(s) : size_t(n));
+        drawnTexts.push_back({texts.back(), *r, colourOf(b), o});
     }
     void DrawBitmap(IMpBitmap* b, const MP1_RECT* d, float o, int32_t, const MP1_RECT* s) override {
         bitmaps.push_back({b, d ? *d : MP1_RECT{}, s ? *s : MP1_RECT{}, o});
@@ -278,9 +316,19 @@ public:
         *out = nullptr;
         return gmpi::MP_FAIL;
     }
-    void PushAxisAlignedClip(const MP1_RECT*) override {}
-    void PopAxisAlignedClip() override {}
-    void GetAxisAlignedClip(MP1_RECT* r) override { *r = {}; }
+    void PushAxisAlignedClip(const MP1_RECT* r) override { clips.push_back(*r); }
+    void PopAxisAlignedClip() override {
+        if (!clips.empty())
+            clips.pop_back();
+    }
+    // The target's own bounds (set them to test a partial repaint) within every clip pushed.
+    MP1_RECT bounds{-1e6f, -1e6f, 1e6f, 1e6f};
+    void GetAxisAlignedClip(MP1_RECT* r) override {
+        *r = bounds;
+        for (const auto& c : clips)
+            *r = {std::max(r->left, c.left), std::max(r->top, c.top), std::min(r->right, c.right),
+                  std::min(r->bottom, c.bottom)};
+    }
     void Clear(const MP1_COLOR*) override {}
     void BeginDraw() override {}
     int32_t EndDraw() override { return gmpi::MP_OK; }
@@ -333,6 +381,47 @@ public:
     }
 };
 
+// A host text editor that remembers what it was told and completes when the test says so.
+class FakeTextEdit final : public Counted<gmpi_gui::IMpPlatformText> {
+public:
+    MP1_RECT rect;
+    std::string text;
+    int32_t alignment = -1;
+    float textSize = -1;
+    gmpi_gui::IMpCompletionHandler* handler = nullptr;
+
+    explicit FakeTextEdit(MP1_RECT r) : rect(r) {}
+    bool answers(const gmpi::MpGuid& iid) const override { return iid == gmpi_gui::SE_IID_GRAPHICS_PLATFORM_TEXT; }
+    int32_t SetText(const char* t) override { return text = t, gmpi::MP_OK; }
+    int32_t GetText(gmpi::IMpUnknown* s) override {
+        void* face = nullptr;
+        if (!s || s->queryInterface(gmpi::MP_IID_RETURNSTRING, &face) != gmpi::MP_OK)
+            return gmpi::MP_FAIL;
+        static_cast<gmpi::IString*>(face)->setData(text.data(), int32_t(text.size()));
+        return gmpi::MP_OK;
+    }
+    int32_t ShowAsync(gmpi::IMpUnknown* h) override {
+        void* face = nullptr;
+        if (!h || h->queryInterface(gmpi_gui::SE_IID_COMPLETION_HANDLER, &face) != gmpi::MP_OK)
+            return gmpi::MP_FAIL;
+        handler = static_cast<gmpi_gui::IMpCompletionHandler*>(face);
+        addRef();  // shown: alive until it completes
+        return gmpi::MP_OK;
+    }
+    int32_t SetAlignment(int32_t a) override { return alignment = a, gmpi::MP_OK; }
+    int32_t SetTextSize(float size) override { return textSize = size, gmpi::MP_OK; }
+    bool shown() const { return handler != nullptr; }
+    // The user's answer: the edited text, or cancel (null).
+    void complete(const char* edited) {
+        auto* h = std::exchange(handler, nullptr);
+        if (edited)
+            text = edited;
+        h->OnComplete(edited ? gmpi::MP_OK : gmpi::MP_FAIL);
+        h->release();
+        release();
+    }
+};
+
 // A graphics host that also answers the GUI host interfaces of a FakeGuiHost.
 class FakeGraphicsHost final : public gmpi_gui::IMpGraphicsHost {
 public:
@@ -346,6 +435,9 @@ public:
     int captureCalls = 0, releaseCalls = 0;
     std::vector<int32_t> dialogTypes;
     std::vector<MP1_RECT> textEditRects;
+    // When set, text editors are made (and kept here, borrowed: alive while shown or held).
+    bool makeTextEdits = false;
+    std::vector<FakeTextEdit*> textEdits;
 
     gmpi::IMpUnknown* unknown() { return static_cast<gmpi_gui::IMpGraphicsHost*>(this); }
 
@@ -374,7 +466,11 @@ public:
     int32_t createPlatformTextEdit(const MP1_RECT* r, gmpi::IMpUnknown** out) override {
         textEditRects.push_back(*r);
         *out = nullptr;
-        return gmpi::MP_FAIL;
+        if (!makeTextEdits)
+            return gmpi::MP_FAIL;
+        textEdits.push_back(new FakeTextEdit(*r));
+        *out = textEdits.back();
+        return gmpi::MP_OK;
     }
     void GetDrawingFactory(IMpFactory** f) override { *f = &factory; }
 };

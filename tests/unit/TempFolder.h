@@ -1,10 +1,10 @@
-// A fresh folder under the system's temporary folder for one test, removed with everything in it
-// afterwards.
+// A fresh folder under the system's temporary folder for one test (a unique name from mkdtemp), removed
+// with everything in it afterwards.
 #pragma once
 
-#include <unistd.h>
+#include <stdlib.h>
 
-#include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -15,13 +15,11 @@ namespace kxtest {
 class TempFolder {
 public:
     TempFolder() {
-        static std::atomic<int> counter{0};
-        const auto base = std::filesystem::temp_directory_path();
-        for (;;) {
-            path_ = base / ("kx_test_" + std::to_string(::getpid()) + "_" + std::to_string(counter++));
-            if (std::filesystem::create_directory(path_))
-                break;
-        }
+        std::string pattern = (std::filesystem::temp_directory_path() / "kx_test_XXXXXX").string();
+        if (!mkdtemp(pattern.data()))
+            throw std::filesystem::filesystem_error("mkdtemp", pattern,
+                                                    std::error_code(errno, std::generic_category()));
+        path_ = pattern;
     }
     ~TempFolder() {
         std::error_code ignored;

@@ -115,3 +115,61 @@ TEST(AudioEngine, GraphStartSendsInitialOutputsAfterTheDefaults) {
     EXPECT_EQ(values[0].pin, 1);
     EXPECT_EQ(values[0].bytes.size(), 4u);
 }
+
+TEST(AudioEngine, PlacedValuesArriveAtTheirSampleInWhicheverBlockHoldsIt) {
+    AudioEngine engine(48000.0f, 16);
+    const int bridge =
+        addModule(engine, L"KX_IntDspGuiBridge",
+                  {{0, DspPinKind::Value, false}, {1, DspPinKind::Value, true}, {2, DspPinKind::Value, false}});
+    queue(engine, bridge, 2, true);
+    engine.run(16);
+    engine.takeValues();
+    // Queued out of order, one of them three blocks ahead: each reaches the output at its own sample.
+    const int values[] = {30, 4, 50};
+    const int64_t offsets[] = {30, 4, 50};
+    for (int i = 0; i < 3; ++i)
+        engine.queueValue(bridge, 0, &values[i], 4, offsets[i]);
+    engine.run(32);
+    auto sent = engine.takeValues();
+    ASSERT_EQ(sent.size(), 2u) << "the value at 50 waits for a later block";
+    EXPECT_EQ(sent[0].time, 16 + 4);
+    EXPECT_EQ(sent[1].time, 16 + 30);
+    EXPECT_EQ(asInt(sent[1].bytes), 30);
+    engine.run(32);
+    sent = engine.takeValues();
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].time, 16 + 50);
+}
+
+TEST(AudioEngine, ADetachedSlotIsSilentAndAModuleAttachedLaterIsOpenedAndStarted) {
+    AudioEngine engine(48000.0f, 16);
+    std::vector<DspPinSpec> pins = valuePins(4, 0);
+    pins.push_back({4, DspPinKind::Audio, true});
+    const int trig = addModule(engine, L"KX_GUISet2Trig", pins);
+    engine.capture(trig, 4);
+    queue(engine, trig, 1, false);
+    queue(engine, trig, 2, 100);
+    engine.run(16);
+    queue(engine, trig, 0, true);
+    engine.run(8);  // the pulse has begun
+    engine.detach(trig);
+    queue(engine, trig, 0, true);  // nobody there to take it
+    engine.run(16);
+    const auto& signal = engine.captured(trig, 4);
+    ASSERT_EQ(signal.size(), 40u);
+    EXPECT_EQ(signal[20], 1.0f);
+    EXPECT_EQ(signal[30], 0.0f) << "a detached module's signal falls silent";
+
+    // A fresh module in the same slot: opened at once, its first block carries the graph start.
+    gmpi::IMpUnknown* object = nullptr;
+    ASSERT_EQ(
+        Factory()->createInstance(L"KX_GUISet2Trig", 0, engine.hostObject(trig), reinterpret_cast<void**>(&object)), 0);
+    ASSERT_TRUE(engine.attach(trig, object));
+    object->release();
+    queue(engine, trig, 1, false);
+    queue(engine, trig, 2, 4);
+    queue(engine, trig, 0, true);
+    engine.run(16);
+    EXPECT_EQ(signal[40], 1.0f);
+    EXPECT_EQ(signal[44], 0.0f);
+}

@@ -93,6 +93,9 @@ TEST_F(Fixture, MalformedEventsStayInsideTheBlockAndTheirPins) {
     EXPECT_EQ(probe->processed, 16);
     EXPECT_EQ(probe->in.getValue(), 0x01010105) << "a short value overwrites the leading bytes only";
     EXPECT_EQ(probe->batches, 4);
+    // A time stamp is an offset inside the block: what the late events cause goes out at its last sample.
+    ASSERT_FALSE(host.on(2).empty());
+    EXPECT_EQ(host.on(2).back().timestamp, 15);
 }
 
 TEST_F(Fixture, SleepsOnceTheCounterRunsOutAndStaysAwakeWhileAnInputStreams) {

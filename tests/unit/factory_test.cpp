@@ -6,6 +6,7 @@
 #include <string>
 
 #include "FakeGuiHost.h"
+#include "MpBase2.h"
 #include "MpFactory.h"
 #include "MpGuiBase2.h"
 
@@ -32,8 +33,14 @@ struct Legacy : SeGuiInvisibleBase, gmpi::IMpLegacyInitialization {
     }
 };
 
+// A DSP half that answers -1 to its host without throwing, as one whose host lacks an interface may.
+struct RefusesHost : MpBase2 {
+    int32_t setHost(gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
+};
+
 const bool registered = gmpi::Register<Plain>::withId(L"T_Plain") && gmpi::Register<Throws>::withId(L"T_Throws") &&
-                        gmpi::Register<Legacy>::withId(L"T_Legacy");
+                        gmpi::Register<Legacy>::withId(L"T_Legacy") &&
+                        gmpi::Register<RefusesHost>::withId(L"T_RefusesHost");
 
 gmpi::IMpUnknown* makeOther() { return nullptr; }
 
@@ -72,6 +79,15 @@ TEST(Factory, ThrowingCreatorOrHostHookGivesMinusOne) {
     Legacy::fail = false;
 
     ASSERT_EQ(f.createInstance(L"T_Plain", 2, host.unknown(), &out), 0);  // no legacy face: no setHost
+    static_cast<gmpi::IMpUnknown*>(out)->release();
+}
+
+// Only a throw fails the creation: what setHost answers is the module's business.
+TEST(Factory, AHostHookThatAnswersFailureWithoutThrowingStillHandsTheObjectOut) {
+    kxtest::FakeGuiHost host;
+    void* out = nullptr;
+    EXPECT_EQ(Factory()->createInstance(L"T_RefusesHost", 0, host.unknown(), &out), 0);
+    ASSERT_NE(out, nullptr);
     static_cast<gmpi::IMpUnknown*>(out)->release();
 }
 

@@ -77,6 +77,16 @@ TEST(SkinMetadata, FontWeightWordsAndNumbers) {
     }
 }
 
+// Alignment and weight words are read in either case; decoration and style words only in lower case.
+TEST(SkinMetadata, DecorationAndStyleWordsAreLowerCaseOnly) {
+    const auto upper = parse("FONT_CATEGORY x\ntext-decoration Underline\nfont-style Italic\ntext-align Right");
+    EXPECT_EQ(upper.styles()[0].flags, FontMetadata::RightAligned);
+    EXPECT_EQ(upper.styles()[0].flags2, 0);
+    const auto lower = parse("FONT_CATEGORY x\ntext-decoration underline\nfont-style italic");
+    EXPECT_EQ(lower.styles()[0].flags, FontMetadata::Underlined);
+    EXPECT_EQ(lower.styles()[0].flags2, FontMetadata::Italic);
+}
+
 TEST(SkinMetadata, UnknownOrMissingStyleGivesTheBuiltInDefault) {
     const auto skin = parse("FONT_CATEGORY Normal\nfont-size 14\nFONT_CATEGORY normal\nfont-size 99\n");
     EXPECT_EQ(skin.getFont("NORMAL")->fontSize, 14);  // the first of two equal names
@@ -175,4 +185,29 @@ TEST_F(StyleFixture, CustomFormatsAreMadeOnceUnderTheirKey) {
     EXPECT_EQ(meta->fontSize, 22);
     // The base style is untouched.
     EXPECT_EQ(w.GetFontMetatdata("normal")->fontSize, 11);
+}
+
+// Remaking a custom format, or failing to make one (here: no drawing factory), must not pile up copies of
+// its style: the text entry asks again at every draw until a format exists.
+TEST_F(StyleFixture, CustomStylesDoNotGrowWhenRemadeOrWhenMakingFails) {
+    host.files[host.folder + "global"] = "FONT_CATEGORY normal";
+    TextWidget w;
+    w.setHost(gfx.unknown());
+    FontCache& cache = FontCache::instance();
+    const size_t before = cache.customStyleCount();
+    const auto resize = [](int size) { return [size](FontMetadata& m) { m.fontSize = size; }; };
+    for (int i = 0; i < 10; ++i)
+        EXPECT_FALSE(cache.GetCustomTextFormat(&host, nullptr, "orphan", "normal", resize(20)));
+    EXPECT_EQ(cache.customStyleCount(), before + 1);
+
+    FontMetadata style;
+    for (int size = 10; size < 20; ++size) {
+        style.fontSize = size;
+        ASSERT_TRUE(cache.AddCustomTextFormat(&host, &gfx, "remade", &style));
+    }
+    EXPECT_EQ(cache.customStyleCount(), before + 2);
+    FontMetadata* meta = nullptr;
+    cache.TextFormatExists(&host, &gfx, "remade", &meta);
+    ASSERT_NE(meta, nullptr);
+    EXPECT_EQ(meta->fontSize, 19) << "the latest style stands";
 }

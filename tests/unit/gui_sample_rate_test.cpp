@@ -31,3 +31,17 @@ TEST(GUISampleRate, DefaultUntilTheEngineReportsThenTheEnginesRate) {
     d->release();
     g->release();
 }
+
+// The GUI half waits for this message; a host that cannot tell its rate still sends it, with what the
+// module holds.
+TEST(GUISampleRate, TheMessageGoesOutEvenWhenTheHostCannotTellItsRate) {
+    struct NoRate : FakeAudioHost {
+        int32_t getSampleRate(float&) override { return gmpi::MP_FAIL; }
+    } audio;
+    auto* d = new kx::Guarded<KX_GUISampleRate>();
+    d->setHost(audio.unknown());
+    EXPECT_EQ(d->open(), gmpi::MP_OK);
+    ASSERT_EQ(audio.messages.size(), 1u);
+    EXPECT_EQ(audio.messages[0].bytes.size(), sizeof(float));
+    d->release();
+}

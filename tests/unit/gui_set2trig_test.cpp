@@ -66,6 +66,34 @@ TEST_F(Trigger, InvertedPulseAndIgnoredFirstTrigger) {
     EXPECT_EQ(at(0.0f), (std::vector<int>{0, 1, 2})) << "only the first trigger is ever swallowed";
 }
 
+// Time stamps are offsets inside the block being processed, 0 to its length - 1: a pulse that ends with
+// the block stops streaming at the start of the next one.
+TEST_F(Trigger, APulseEndingWithTheBlockStopsAtTheStartOfTheNext) {
+    Events ev;
+    ev.set(0, 2, 8).set(24, 0, true);
+    m->process(32, ev.list());
+    EXPECT_EQ(at(1.0f), (std::vector<int>{24, 25, 26, 27, 28, 29, 30, 31}));
+    ASSERT_EQ(host.streaming.size(), 1u);
+    m->process(32, static_cast<const gmpi::MpEvent*>(nullptr));
+    ASSERT_EQ(host.streaming.size(), 2u);
+    EXPECT_FALSE(host.streaming[1].on);
+    EXPECT_EQ(host.streaming[1].timestamp, 0);
+    EXPECT_EQ(at(0.0f).size(), 32u);
+    EXPECT_GE(host.sleeps, 1);
+
+    // One-sample blocks: every stamp is 0.
+    Events pulse;
+    pulse.set(0, 2, 2).set(0, 0, true);
+    m->process(1, pulse.list());
+    for (int block = 0; block < 4; ++block)
+        m->process(1, static_cast<const gmpi::MpEvent*>(nullptr));
+    ASSERT_EQ(host.streaming.size(), 4u);
+    EXPECT_TRUE(host.streaming[2].on);
+    EXPECT_EQ(host.streaming[2].timestamp, 0);
+    EXPECT_FALSE(host.streaming[3].on);
+    EXPECT_EQ(host.streaming[3].timestamp, 0);
+}
+
 TEST(Set2TrigGUI, FiveWarmUpNotificationsThenTogglesOncePerChange) {
     FakeGuiHost host;
     auto* m = new kx::Guarded<KX_GUISet2TrigGUI>();

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -105,4 +106,33 @@ TEST(PMInc, StaysWithinZeroAndOne) {
     EXPECT_FLOAT_EQ(h.module.value.value, 1.0f);
     h.send(P::Delta, 0.0f);
     EXPECT_EQ(h.host.on(P::Value).size(), 2u);
+}
+
+// delta * step + value is a product and a sum, each rounded to single precision. A build that fuses them
+// into one multiply-add gives other values on machines that have the instruction, so one bundle would
+// count differently on its two architectures. Step 0.2 and delta 0.3 tell the two apart within fifty moves.
+TEST(Increments, ProductAndSumAreRoundedSeparately) {
+    const float step = 0.2f, delta = 0.3f;
+    std::vector<float> separate;
+    float fused = 0.0f, sum = 0.0f;
+    for (int i = 0; i < 50; ++i) {
+        volatile float product = delta * step;  // stored, so the compiler cannot fuse it into the sum
+        sum = product + sum;
+        separate.push_back(sum);
+        fused = std::fma(delta, step, fused);
+    }
+    ASSERT_NE(static_cast<int>(fused), static_cast<int>(sum)) << "inputs that cannot tell fused from separate";
+
+    Hosted<KX_IntInc> counter;
+    setUp(counter, 0, 0, 100, step);
+    EXPECT_EQ(walk(counter, 50, delta).back(), static_cast<int>(sum));
+
+    namespace P = kx::inc;
+    Hosted<KX_FloatInc> value;
+    value.send(P::Maximum, 100.0f);
+    value.send(P::Step, step);
+    for (int i = 0; i < 50; ++i) {
+        value.send(P::Delta, delta);
+        ASSERT_EQ(value.module.value.value, separate[static_cast<size_t>(i)]) << "move " << i;
+    }
 }

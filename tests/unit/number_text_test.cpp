@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "HostedModule.h"
 #include "convert/NumberText.h"
@@ -208,4 +210,69 @@ TEST(NumberText, EchoOfTheValueLeavesTypedTextAsTyped) {
     f.sendText(kx::float2txt::Text, L"0440.0");
     EXPECT_FLOAT_EQ(f.module.value.value, 440.0f);
     EXPECT_EQ(f.module.text.value, L"0440.0");
+}
+
+// Typed text is read as the standard string-to-number conversions read it: hexadecimal floats, any
+// leading white space, the infinity and NaN spellings, numbers of any length; a value out of the type's
+// range (an underflow included) is no number at all.
+TEST(Float2TxtC, TextIsReadAsTheStandardConversionReadsIt) {
+    namespace P = kx::float2txt;
+    const float inf = std::numeric_limits<float>::infinity();
+    Hosted<KX_Float2TxtC> h;
+    withLimits(h, P::Minimum, P::Maximum, -inf, inf);
+    const std::wstring longNumber = std::wstring(2000, L'0') + L"5";
+    const std::pair<std::wstring, float> numbers[] = {
+        {L"0x1A", 26.0f},     {L"0x1.8p1", 3.0f},  {L" \t\n\v\f\r2.5", 2.5f}, {L"INF", inf},
+        {L"-Infinity", -inf}, {L"+infinite", inf}, {longNumber, 5.0f},        {L"1.2e-38", 1.2e-38f}};
+    for (const auto& [typed, number] : numbers) {
+        h.sendText(P::Text, typed);
+        EXPECT_EQ(h.module.value.value, number) << std::string(typed.begin(), typed.end());
+    }
+    h.sendText(P::Text, L"NaN(123)");
+    EXPECT_TRUE(std::isnan(h.module.value.value));
+
+    h.sendText(P::Text, L"1");
+    h.host.sent.clear();
+    for (const wchar_t* outOfRange : {L"1e-40", L"-1e-45", L"1e39", L"0x1p200"})
+        EXPECT_EQ(kxtest::deliverText(h.module, P::Text, outOfRange), 0) << outOfRange;
+    EXPECT_TRUE(h.host.sent.empty());
+    EXPECT_EQ(h.module.value.value, 1.0f);
+}
+
+TEST(Int2TxtC, NumbersOfAnyLengthAndAnyLeadingWhiteSpaceAreRead) {
+    namespace P = kx::int2txt;
+    Hosted<KX_Int2TxtC> h;
+    withLimits(h, P::Minimum, P::Maximum, -100, 100);
+    h.sendText(P::Text, L"-" + std::wstring(2000, L'0') + L"5");
+    EXPECT_EQ(h.module.value.value, -5);
+    h.sendText(P::Text, L"\v\f\r\n\t +12");
+    EXPECT_EQ(h.module.value.value, 12);
+}
+
+// The process's locale may use a comma for the point (a host sets it for its own user interface); typed
+// numbers are read with the point whatever it says.
+TEST(Float2TxtC, ThePointIsAPointWhateverTheProcessLocale) {
+    const std::string previous = std::setlocale(LC_NUMERIC, nullptr);
+    const char* commaLocale = nullptr;
+    for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "de_DE", "fr_FR"})
+        if (std::setlocale(LC_NUMERIC, name)) {
+            commaLocale = name;
+            break;
+        }
+    if (!commaLocale)
+        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    namespace P = kx::float2txt;
+    Hosted<KX_Float2TxtC> h;
+    withLimits(h, P::Minimum, P::Maximum, -10.0f, 10.0f);
+    h.sendText(P::Text, L"2.5");
+    const float point = h.module.value.value;
+    h.sendText(P::Text, L"3,5");
+    const float comma = h.module.value.value;
+    h.send(P::Decimals, 2);
+    h.send(P::Value, 1.25f);
+    const std::wstring shown = h.module.text.value;
+    std::setlocale(LC_NUMERIC, previous.c_str());
+    EXPECT_EQ(point, 2.5f);
+    EXPECT_EQ(comma, 3.0f);
+    EXPECT_EQ(shown, L"1.25");
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <vector>
 
 #include "HostedModule.h"
@@ -101,4 +102,19 @@ TEST(RandomValues, FloatsStayWithinTheRangeEitherWayRound) {
 TEST(RandomValues, InstancesDrawDifferentSequences) {
     Hosted<KX_RndInt> a, b;
     EXPECT_NE(a.module.state, b.module.state);
+}
+
+// (maximum - minimum) * r + minimum is rounded after the product and after the sum; fused into one
+// multiply-add it would give 0.5 here instead of 0.49999997.
+TEST(RandomValues, FloatValuesRoundProductAndSumSeparately) {
+    const uint32_t x = 2863311531u;  // r = 0.6666667
+    const float r = static_cast<float>(static_cast<double>(x) * (1.0 / 4294967296.0));
+    volatile float scaled = (0.7f - 0.1f) * r;
+    const float separate = scaled + 0.1f;
+    ASSERT_NE(separate, std::fma(0.7f - 0.1f, r, 0.1f)) << "inputs that cannot tell fused from separate";
+
+    Hosted<KX_RndFloat> h;
+    h.send(P::Minimum, 0.1f);
+    h.send(P::Maximum, 0.7f);
+    EXPECT_EQ(h.module.makeValue(x), separate);
 }

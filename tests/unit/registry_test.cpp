@@ -6,7 +6,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
+#include <regex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -41,8 +44,8 @@ std::vector<Described> allDescriptions() {
 }
 
 int datatypeCode(const std::string& name) {
-    static const std::map<std::string, int> codes = {{"enum", MP_DT_ENUM},   {"text", MP_DT_TEXT},  {"bool", MP_DT_BOOL},
-                                                     {"float", MP_DT_FLOAT}, {"int", MP_DT_INT},    {"blob", MP_DT_BLOB},
+    static const std::map<std::string, int> codes = {{"enum", MP_DT_ENUM},   {"text", MP_DT_TEXT}, {"bool", MP_DT_BOOL},
+                                                     {"float", MP_DT_FLOAT}, {"int", MP_DT_INT},   {"blob", MP_DT_BLOB},
                                                      {"audio", MP_DT_AUDIO}, {"midi", MP_DT_MIDI}};
     const auto it = codes.find(name);
     return it == codes.end() ? -1 : it->second;
@@ -137,4 +140,27 @@ TEST(Registry, TheBundleCreatesEveryDescribedSide) {
         }
     }
     dlclose(handle);
+}
+
+// The pack holds what the factory registers: every registered identifier is described (so the catalogue
+// and `kxhost list` show all of it), and the README states the count the registry has, not a round guess.
+// The pack's identifiers start with "KX_"; this program also registers a few test modules of its own.
+TEST(Registry, EveryRegistrationIsDescribedAndTheReadmeCountsTheIdentifiers) {
+    std::set<std::string> described;
+    for (const auto& [file, module] : allDescriptions())
+        described.insert(module.at("id").get<std::string>());
+    std::set<std::string> registered;
+    for (const auto& [side, wid] : Factory()->registrations()) {
+        const std::string id(wid.begin(), wid.end());
+        if (id.rfind("KX_", 0) != 0)
+            continue;
+        registered.insert(id);
+        EXPECT_TRUE(described.count(id)) << id << " (side " << side << ") is registered but not described";
+    }
+    std::ifstream in(std::string(KX_SOURCE_DIR) + "/README.md");
+    const std::string readme((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::smatch count;
+    ASSERT_TRUE(std::regex_search(readme, count, std::regex("creates ([0-9]+) modules by identifier")))
+        << "README.md states how many modules the factory creates: \"creates N modules by identifier\"";
+    EXPECT_EQ(std::stoul(count[1]), registered.size()) << "README.md's count of identifiers";
 }

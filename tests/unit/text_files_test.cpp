@@ -1,6 +1,12 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
+#include <set>
 
 #include "HostedModule.h"
 #include "TempFolder.h"
@@ -13,6 +19,21 @@ namespace P = kx::textfile;
 namespace {
 
 std::wstring wide(const std::filesystem::path& p) { return kx::fromUtf8(p.string()); }
+
+std::set<std::string> namesIn(const TempFolder& dir) {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(dir.path()))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
+// The host answers a failure but leaves a name in the buffer all the same.
+struct FailingResolver : kxtest::FakeGuiHost {
+    int32_t resolveFilename(const wchar_t* name, int32_t maxChars, wchar_t* out) override {
+        FakeGuiHost::resolveFilename(name, maxChars, out);
+        return gmpi::MP_FAIL;
+    }
+};
 
 void trigger(Hosted<KX_StringLoader>& h) {
     h.send(P::Trigger, true);
@@ -80,6 +101,17 @@ TEST(StringLoader, NamesAreResolvedThroughTheHostsResourceFolder) {
     EXPECT_EQ(h.module.currentFileName(), wide(dir / "notes.txt"));
     trigger(h);
     EXPECT_EQ(h.module.text.value, L"from resources");
+}
+
+TEST(StringLoader, TheNameInTheHostsBufferIsTakenEvenWhenTheHostReportsAFailure) {
+    TempFolder dir;
+    dir.write("notes.txt", "resolved");
+    FailingResolver host;
+    host.resourceFolder = wide(dir.path()) + L"/";
+    KX_StringLoader loader;
+    loader.setHost(host.unknown());
+    kxtest::deliverText(loader, P::FileNameL, L"notes.txt");
+    EXPECT_EQ(loader.currentFileName(), wide(dir / "notes.txt"));
 }
 
 TEST(StringLoader, AutomaticModeLoadsWhicheverNamePinChangedLast) {
@@ -157,4 +189,59 @@ TEST(StringSaver, RelativeNamesAreRelativeToTheWorkingFolderNotResolved) {
     trigger(h);
     std::filesystem::current_path(previous);
     EXPECT_EQ(dir.read("rel.txt"), "here");
+}
+
+// A write that stops part way (disk full, quota, file-size limit, I/O error) must cost nothing: the old
+// file stays byte for byte and nothing is left beside it. The file-size limit of a child process forces
+// the failure here, as the limit of a user's shell would.
+TEST(StringSaver, AWriteThatFailsPartWayLeavesTheOldFileAsItWas) {
+    TempFolder dir;
+    const std::string old(900, 'o');
+    dir.write("keep.txt", old);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{2048, 2048};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        Hosted<KX_StringSaver> h;
+        h.sendText(P::Text, std::wstring(5000, L'n'));
+        h.sendText(P::FileNameL, wide(dir / "keep.txt"));
+        trigger(h);
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the module reports nothing, it does not fail";
+    EXPECT_EQ(dir.read("keep.txt"), old);
+    EXPECT_EQ(namesIn(dir), std::set<std::string>{"keep.txt"});
+}
+
+TEST(StringSaver, ReplacingAFileKeepsItsPermissionsAndLeavesNothingBeside) {
+    TempFolder dir;
+    dir.write("script.sh", "old");
+    std::filesystem::permissions(dir / "script.sh", std::filesystem::perms(0750));
+    Hosted<KX_StringSaver> h;
+    h.sendText(P::Text, L"new text");
+    h.sendText(P::FileNameL, wide(dir / "script.sh"));
+    trigger(h);
+    EXPECT_EQ(dir.read("script.sh"), "new text");
+    EXPECT_EQ(std::filesystem::status(dir / "script.sh").permissions(), std::filesystem::perms(0750));
+    EXPECT_EQ(namesIn(dir), std::set<std::string>{"script.sh"});
+
+    // Saving through a link writes the file it points to and keeps the link.
+    std::filesystem::create_symlink("script.sh", dir / "link.sh");
+    h.sendText(P::Text, L"through the link");
+    h.sendText(P::FileNameL, wide(dir / "link.sh"));
+    trigger(h);
+    EXPECT_TRUE(std::filesystem::is_symlink(dir / "link.sh"));
+    EXPECT_EQ(dir.read("script.sh"), "through the link");
+    std::filesystem::remove(dir / "link.sh");
+
+    // A folder in the file's place stays a folder.
+    std::filesystem::create_directory(dir / "sub");
+    h.sendText(P::FileNameL, wide(dir / "sub"));
+    trigger(h);
+    EXPECT_TRUE(std::filesystem::is_directory(dir / "sub"));
+    EXPECT_EQ(namesIn(dir), (std::set<std::string>{"script.sh", "sub"}));
 }

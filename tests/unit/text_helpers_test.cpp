@@ -126,6 +126,26 @@ TEST(EnumList, SizeQuirksOfTrailingCommasAndReversedRanges) {
     EXPECT_EQ(items(L"range 5"), (std::vector<Item>{{0, 5, L"5"}}));
     EXPECT_EQ(items(L"Range 1,2").size(), 2u);  // case matters: a two-item list, not a range
     EXPECT_EQ(items(L"range 2147483646,2147483647").size(), 2u);
+    // The range's ends are both items, at the extremes too.
+    EXPECT_EQ(items(L"range -2147483648,-2147483647"),
+              (std::vector<Item>{{0, INT_MIN, L"-2147483648"}, {1, INT_MIN + 1, L"-2147483647"}}));
+}
+
+// Callers that read id and text after the loop see the step past the end: the value after the last one,
+// or, for a reversed range, the first value.
+TEST(EnumList, ARangeEndsOneStepPastItsLastValue) {
+    const auto end = [](const std::wstring& list) {
+        it_enum_list it(list);
+        for (it.First(); !it.IsDone(); it.Next()) {
+        }
+        return Item{it.index, it.id, it.text};
+    };
+    EXPECT_EQ(end(L"range 1,4"), (Item{-1, 5, L"5"}));
+    EXPECT_EQ(end(L"range 4,1"), (Item{-1, 4, L"4"}));
+    EXPECT_EQ(end(L"range -2147483648,-2147483647"), (Item{-1, -2147483646, L"-2147483646"}));
+    EXPECT_EQ(items(L"range -2147483648,-2147483647").front().id, -2147483647 - 1);
+    EXPECT_EQ(end(L"range 2147483647,2147483647"), (Item{-1, 2147483647, L"2147483647"}))
+        << "the last int ends without wrapping round";
 }
 
 TEST(EnumList, ARangeFromTheSmallestIntStartsThere) {
@@ -185,7 +205,22 @@ TEST(MpBlob, ResizeGrowLosesShrinkKeeps) {
     grown.resize(8);
     EXPECT_EQ(grown.getSize(), 8);
     grown.resize(0);
-    EXPECT_EQ(grown.getData(), nullptr);
+    EXPECT_EQ(grown.getSize(), 0);
+}
+
+// A size-0 blob still hands out a valid pointer, so a pin or message carrying it never passes null.
+TEST(MpBlob, EmptyBlobsHaveValidData) {
+    MpBlob fresh;
+    MpBlob emptied(3, "abc");
+    emptied.resize(0);
+    MpBlob moved(2, "xy");
+    MpBlob taker(std::move(moved));
+    MpBlob set(3, "abc");
+    set.setValueRaw(0, nullptr);
+    for (const MpBlob* blob : {&fresh, &emptied, &moved, &set}) {
+        EXPECT_NE(blob->getData(), nullptr);
+        EXPECT_EQ(blob->getSize(), 0);
+    }
 }
 
 TEST(MpBlob, EqualityIsSizeAndBytes) {

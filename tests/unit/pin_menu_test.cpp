@@ -3,14 +3,14 @@
 #include <string>
 #include <vector>
 
-#include "ContextMenu.h"
 #include "FakeGuiHost.h"
+#include "PinMenu.h"
 #include "it_enum_list.h"
 
 using kxtest::RecordingMenuSink;
 using Entry = RecordingMenuSink::Entry;
 
-TEST(ContextMenu, OneEntryPerItemWithItsValue) {
+TEST(PinMenu, OneEntryPerItemWithItsValue) {
     RecordingMenuSink sink;
     EXPECT_EQ(kx::addMenuItems(&sink, L"Copy=3,----,Paste"), gmpi::MP_OK);
     EXPECT_EQ(sink.entries, (std::vector<Entry>{{"Copy", 3}, {"----", 4}, {"Paste", 5}}));
@@ -19,7 +19,7 @@ TEST(ContextMenu, OneEntryPerItemWithItsValue) {
 
 // A range names billions of values in a few characters: the menu stops at the cap and its last entry
 // says so; choosing that entry selects nothing (-1 is the selection pin's rest value).
-TEST(ContextMenu, AListBeyondTheCapIsCutAndSaysSo) {
+TEST(PinMenu, AListBeyondTheCapIsCutAndSaysSo) {
     RecordingMenuSink sink;
     kx::addMenuItems(&sink, L"range -2147483648,2147483647");
     ASSERT_EQ(sink.entries.size(), static_cast<size_t>(it_enum_list::kMostListed) + 1);
