@@ -5,6 +5,7 @@
 #include <stb/stb_image.h>
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstring>
 
@@ -149,7 +150,9 @@ PangoLayout* TextFormat::layout(PangoContext* context, const char* text, int32_t
     const int32_t n = length < 0 ? static_cast<int32_t>(std::strlen(text)) : length;
     pango_layout_set_text(l, text, n);
     if (wordWrapping_ == MP1_WORD_WRAPPING_WRAP && width > 0) {
-        pango_layout_set_width(l, static_cast<int>(width * PANGO_SCALE));
+        // A width beyond what Pango's units hold wraps nothing: the same as no width.
+        const double scaled = width * PANGO_SCALE;
+        pango_layout_set_width(l, scaled < static_cast<double>(INT_MAX) ? static_cast<int>(scaled) : -1);
         pango_layout_set_wrap(l, PANGO_WRAP_WORD_CHAR);
         pango_layout_set_alignment(l, textAlignment_ == MP1_TEXT_ALIGNMENT_CENTER     ? PANGO_ALIGN_CENTER
                                       : textAlignment_ == MP1_TEXT_ALIGNMENT_TRAILING ? PANGO_ALIGN_RIGHT

@@ -258,6 +258,23 @@ TEST(RenderText, ClipOptionKeepsTextInsideItsRectangle) {
     }
 }
 
+// A module may hand any rectangle: a wrapping width beyond what Pango's units hold draws as unwrapped.
+TEST(RenderText, AWrappingWidthBeyondPangosRangeWrapsNothing) {
+    Target t(200, 20);
+    IMpTextFormat* format = nullptr;
+    t.factory.CreateTextFormat("DejaVu Sans", MP1_FONT_WEIGHT_NORMAL, 0, 5, 14, &format);
+    format->SetWordWrapping(MP1_WORD_WRAPPING_WRAP);
+    auto* brush = t.brush(255, 255, 255);
+    const MP1_RECT r{0, 0, 1.7e38f, 20};
+    t.dc->DrawTextU("one two three", -1, format, &r, brush, 0);
+    brush->release();
+    format->release();
+    int lit = 0;
+    for (uint32_t p : t.all(200, 20))
+        lit += (p >> 24) > 0x80 ? 1 : 0;
+    EXPECT_GT(lit, 10);
+}
+
 namespace {
 
 // A graphic module face that records what reaches it.
