@@ -201,6 +201,35 @@ int32_t TextFormat::GetFontMetrics(MP1_FONT_METRICS* m) {
     return gmpi::MP_OK;
 }
 
+void unitArc(cairo_t* cr, double a1, double a2, bool negative) {
+    // Cairo's fixed-point coordinates end near 2^23 device units: beyond this radius a shape cannot be
+    // drawn as it is anyway, only quickly.
+    constexpr double kMostDeviceRadius = 1 << 22;
+    double ux = 1, uy = 0, vx = 0, vy = 1;
+    cairo_user_to_device_distance(cr, &ux, &uy);
+    cairo_user_to_device_distance(cr, &vx, &vy);
+    if (std::max(std::hypot(ux, uy), std::hypot(vx, vy)) <= kMostDeviceRadius) {
+        (negative ? cairo_arc_negative : cairo_arc)(cr, 0, 0, 1, a1, a2);
+        return;
+    }
+    if (!std::isfinite(a1) || !std::isfinite(a2))
+        return;
+    double sweep = a2 - a1;
+    if (!negative && sweep < 0)
+        sweep = std::fmod(sweep, 2 * M_PI) + 2 * M_PI;
+    if (negative && sweep > 0)
+        sweep = std::fmod(sweep, 2 * M_PI) - 2 * M_PI;
+    sweep = std::clamp(sweep, -2 * M_PI, 2 * M_PI);
+    const int pieces = std::max(1, static_cast<int>(std::ceil(std::fabs(sweep) / (M_PI / 2))));
+    const double step = sweep / pieces, k = 4.0 / 3.0 * std::tan(step / 4);
+    cairo_line_to(cr, std::cos(a1), std::sin(a1));  // a move when there is no current point
+    for (int i = 0; i < pieces; ++i) {
+        const double t0 = a1 + i * step, t1 = t0 + step;
+        const double c0 = std::cos(t0), s0 = std::sin(t0), c1 = std::cos(t1), s1 = std::sin(t1);
+        cairo_curve_to(cr, c0 - k * s0, s0 + k * c0, c1 + k * s1, s1 - k * c1, c1, s1);
+    }
+}
+
 void TextFormat::draw(cairo_t* cr, const char* text, int32_t length, const MP1_RECT& rect) {
     PangoContext* context = pango_cairo_create_context(cr);
     pango_cairo_context_set_font_options(context, fontOptions());
@@ -334,10 +363,7 @@ void addArc(cairo_t* cr, MP1_POINT p0, const MP1_ARC_SEGMENT& arc) {
     cairo_translate(cr, cx, cy);
     cairo_rotate(cr, phi);
     cairo_scale(cr, rx, ry);
-    if (sweep)
-        cairo_arc(cr, 0, 0, 1, a1, a2);
-    else
-        cairo_arc_negative(cr, 0, 0, 1, a1, a2);
+    unitArc(cr, a1, a2, !sweep);
     cairo_restore(cr);
 }
 

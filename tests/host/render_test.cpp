@@ -258,6 +258,28 @@ TEST(RenderText, ClipOptionKeepsTextInsideItsRectangle) {
     }
 }
 
+// Arcs of any radius: within the range of Cairo's coordinates drawn where they are, beyond it (where
+// Cairo's own arcs took most of a minute) drawn somehow, but at once.
+TEST(RenderDrawing, ArcsOfAnyRadiusDraw) {
+    Target t(20, 20);
+    auto* white = t.brush(255, 255, 255);
+    const MP1_ELLIPSE below{{10, 1e6f + 15}, 1e6f, 1e6f};  // its top edge runs at y = 15
+    t.dc->FillEllipse(&below, white);
+    for (const float r : {1e7f, 1e30f, 3e38f}) {
+        const MP1_ELLIPSE huge{{10, 10}, r, r};
+        const MP1_ROUNDED_RECT corners{{-r, -r, 10, 10}, r / 10, r / 10};
+        auto* none = t.brush(0, 0, 0, 0);
+        t.dc->FillEllipse(&huge, none);
+        t.dc->DrawEllipse(&huge, none, 1);
+        t.dc->FillRoundedRectangle(&corners, none);
+        none->release();
+    }
+    white->release();
+    const auto pixels = t.all(20, 20);
+    EXPECT_EQ(pixels[19 * 20 + 10] & 0xFFFFFF, 0xFFFFFFu);
+    EXPECT_EQ(pixels[12 * 20 + 10] & 0xFFFFFF, 0u);
+}
+
 // A module may hand any rectangle: a wrapping width beyond what Pango's units hold draws as unwrapped.
 TEST(RenderText, AWrappingWidthBeyondPangosRangeWrapsNothing) {
     Target t(200, 20);
