@@ -119,7 +119,7 @@ class Desktop:
             raise Failed("xdotool %s: %s" % (" ".join(map(str, args)), done.stderr))
         return done.stdout
 
-    def window(self, title, timeout=15):
+    def window(self, title, show, timeout=15):
         deadline = time.time() + timeout
         while time.time() < deadline:
             found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], env=self.env,
@@ -127,7 +127,9 @@ class Desktop:
             if found:
                 return found[0]
             time.sleep(0.1)
-        raise Failed("no window titled %r appeared" % title)
+        raise Failed("no window titled %r appeared; kxhost %s:\n%s\n%s" % (
+            title, "is running" if show.proc.poll() is None else "exited with %d" % show.proc.returncode,
+            show.output(), "\n".join(show.err)))
 
     def screenshot(self, window):
         """The window's pixels as rows of (r, g, b), from xwd's dump (24-bit colour, 32 bits a pixel)."""
@@ -196,7 +198,7 @@ def live_panel(desktop, a):
     show = Show([a.kxhost, "--bundle", a.bundle, "show", patch], desktop.env)
     try:
         show.wait_for(r"^-- live")
-        window = desktop.window("^kxhost: live_panel\\.kxp$")
+        window = desktop.window("^kxhost: live_panel\\.kxp$", show)
         origin = None
         deadline = time.time() + 10
         while origin is None and time.time() < deadline:  # mapped is not yet drawn
@@ -303,7 +305,7 @@ def real_panel(desktop, a):
             'set osc."Trigger R" true', "set req.Open true", "set req.Open false"]) + "\n")
     show = Show([a.kxhost, "--bundle", a.bundle, "show", "--play", patch], desktop.env)
     try:
-        window = desktop.window("^kxhost: real_panel\\.kxp$")
+        window = desktop.window("^kxhost: real_panel\\.kxp$", show)
         line = show.wait_for(r"^-- passed$")
         # The oscillator changes every 25 ms on the window's loop: eight changes come within a second.
         for _ in range(8):
@@ -311,7 +313,7 @@ def real_panel(desktop, a):
         if not re.search(r"shown, waiting for an answer: open dialog \[kxp\] initial 'live_panel\.kxp'",
                          show.output()):
             raise Failed("the file requester's dialog was not shown:\n" + show.output())
-        dialog = desktop.window("^Open file$")
+        dialog = desktop.window("^Open file$", show)
         # The chooser lists its folder and selects the file after it shows: Enter opens nothing before.
         answered = r"^  answered '%s'$" % re.escape(chosen)
         for _ in range(20):
