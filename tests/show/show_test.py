@@ -37,11 +37,14 @@ def skip(why):
 
 
 def start_x_server():
-    """Xvfb on the first free display number; returns (process, display)."""
+    """Xvfb on the first free display number; returns (process, display).
+
+    -noreset: by default the server resets whenever its last client leaves, and a kxhost (or xdotool)
+    connecting while it does is refused, as if there were no display at all."""
     read_end, write_end = os.pipe()
     try:
         server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", "640x480x24", "-nolisten", "tcp"],
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", "640x480x24", "-nolisten", "tcp", "-noreset"],
             pass_fds=[write_end], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     except OSError as e:
         skip("cannot start Xvfb (%s)" % e)
