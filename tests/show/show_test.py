@@ -70,22 +70,24 @@ class Show:
         self.lines = []
         self.proc = subprocess.Popen(args, env=env, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         self.err = []
-        threading.Thread(target=self._read, args=(self.proc.stdout, self.lines), daemon=True).start()
-        threading.Thread(target=self._read, args=(self.proc.stderr, self.err), daemon=True).start()
+        self.readers = [threading.Thread(target=self._read, args=(stream, into), daemon=True)
+                        for stream, into in ((self.proc.stdout, self.lines), (self.proc.stderr, self.err))]
+        for reader in self.readers:
+            reader.start()
 
     @staticmethod
     def _read(stream, into):
         for line in stream:
             into.append(line.rstrip("\n"))
 
-    def wait_for(self, pattern, after=0, timeout=10):
+    def wait_for(self, pattern, after=0, timeout=30):
         """Index of the first line from `after` on matching the pattern."""
         found = self.seen(pattern, after, timeout)
         if found is None:
             raise Failed("no line matching %r; kxhost printed:\n%s\n%s" % (pattern, self.output(), "\n".join(self.err)))
         return found
 
-    def seen(self, pattern, after=0, timeout=10):
+    def seen(self, pattern, after=0, timeout=30):
         """As wait_for, but None when no such line comes in time."""
         deadline = time.time() + timeout
         ended = False
@@ -108,7 +110,8 @@ class Show:
         except subprocess.TimeoutExpired:
             self.proc.kill()
             raise Failed("kxhost did not end after its window was closed:\n" + self.output())
-        time.sleep(0.1)  # the readers' last lines
+        for reader in self.readers:  # up to the last line printed
+            reader.join(timeout)
         return code
 
 
@@ -122,7 +125,7 @@ class Desktop:
             raise Failed("xdotool %s: %s" % (" ".join(map(str, args)), done.stderr))
         return done.stdout
 
-    def window(self, title, show, timeout=15):
+    def window(self, title, show, timeout=30):
         deadline = time.time() + timeout
         while time.time() < deadline:
             found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], env=self.env,
@@ -203,7 +206,7 @@ def live_panel(desktop, a):
         show.wait_for(r"^-- live")
         window = desktop.window("^kxhost: live_panel\\.kxp$", show)
         origin = None
-        deadline = time.time() + 10
+        deadline = time.time() + 30
         while origin is None and time.time() < deadline:  # mapped is not yet drawn
             origin = panel_origin(desktop.screenshot(window), PANEL)
             time.sleep(0.05)
@@ -239,7 +242,7 @@ def live_panel(desktop, a):
             desktop.xdo("mousemove", "--window", window, *at(60, 120), "click", 1)
             line = show.wait_for(r"^  shown, waiting for an answer: text editor '", line)
             # Typed into the text field once it is on screen (light, where the module draws dark).
-            deadline = time.time() + 10
+            deadline = time.time() + 30
             while min(desktop.screenshot(window)[oy + 120][ox + 120]) < 160:
                 if time.time() > deadline:
                     raise Failed("no text field showed over the module")
@@ -319,7 +322,8 @@ def real_panel(desktop, a):
         dialog = desktop.window("^Open file$", show)
         # The chooser lists its folder and selects the file after it shows: Enter opens nothing before.
         answered = r"^  answered '%s'$" % re.escape(chosen)
-        for _ in range(20):
+        deadline = time.time() + 30
+        while time.time() < deadline:
             try:
                 desktop.xdo("windowfocus", "--sync", dialog)
                 desktop.xdo("key", "Return")
