@@ -64,19 +64,38 @@ void it_enum_list::First() {
     Next();
 }
 
+void it_enum_list::showRangeValue(int value) {
+    id = value;
+    wchar_t buffer[16];
+    std::swprintf(buffer, 16, L"%d", id);
+    text = buffer;
+}
+
 void it_enum_list::stepRange(long long next) {
-    ++index;
+    // Positions past the largest int (a range of more than 2^31 values) read as INT_MAX.
+    index = index == INT_MAX ? INT_MAX : index + 1;
     // Past the largest int there is no next value to show: the end stays on the last one.
     if (next > INT_MAX) {
         index = -1;
         return;
     }
-    id = static_cast<int>(next);
-    wchar_t buffer[16];
-    std::swprintf(buffer, 16, L"%d", id);
-    text = buffer;
+    showRangeValue(static_cast<int>(next));
     if (id > rangeHigh_)
         index = -1;
+}
+
+bool it_enum_list::setRangeItem(long long offset) {
+    const long long value = static_cast<long long>(position_) + offset;
+    if (offset < 0 || value > rangeHigh_) {
+        // Where a walk to the end would have left the list.
+        const long long after = position_ > rangeHigh_ ? position_ : static_cast<long long>(rangeHigh_) + 1;
+        showRangeValue(after > INT_MAX ? INT_MAX : static_cast<int>(after));
+        index = -1;
+        return false;
+    }
+    index = offset > INT_MAX ? INT_MAX : static_cast<int>(offset);
+    showRangeValue(static_cast<int>(value));
+    return true;
 }
 
 void it_enum_list::Next() {
@@ -134,6 +153,8 @@ bool it_enum_list::IsSeparator() const {
 }
 
 bool it_enum_list::FindIndex(int wanted) {
+    if (rangeMode_)
+        return setRangeItem(wanted);  // a range holds no separators
     for (First(); !IsDone(); Next()) {
         if (index == wanted && !IsSeparator())
             return true;
@@ -142,6 +163,8 @@ bool it_enum_list::FindIndex(int wanted) {
 }
 
 bool it_enum_list::FindValue(int value) {
+    if (rangeMode_)
+        return value >= position_ && setRangeItem(static_cast<long long>(value) - position_);
     for (First(); !IsDone(); Next()) {
         if (id == value && !IsSeparator())
             return true;

@@ -21,7 +21,8 @@ public:
     // |high - low| + 1, even for a range that yields no items.
     int size() const;
     // Move to the item at this position / with this value; false at the end or when the only match is a
-    // separator.
+    // separator. In range mode both are arithmetic, whatever the size of the range; a position beyond
+    // the last an int holds (a range of more than 2^31 values) reads as INT_MAX.
     bool FindIndex(int index);
     bool FindValue(int value);
     // True when the item at the current position is a menu divider ("----", "<<<<", ">>>>", "||||").
@@ -29,6 +30,23 @@ public:
     // True for a "range LOW,HIGH" list: item i is LOW + i, labelled with its value, so callers can reach
     // any item without walking the ones before it.
     bool IsRange() const { return rangeMode_; }
+
+    // The most items anything lists for a person (a menu, a dialog's file types, rows): a list that
+    // names more, as a range names billions in a few characters, is cut there, so that listing takes
+    // time that grows with the list's text, not with the numbers in it.
+    static constexpr int kMostListed = 1000;
+    // Calls use(*this) on the items from First() on, at most kMostListed of them; false when the list
+    // holds more and was cut.
+    template <class Use>
+    bool ForEachListed(Use&& use) {
+        int listed = 0;
+        for (First(); !IsDone(); Next()) {
+            if (listed++ == kMostListed)
+                return false;
+            use(*this);
+        }
+        return true;
+    }
 
     static bool IsValidValue(const std::wstring& list, int value);
     // value when the list holds it; otherwise the first item's value, or 0 for a list without items.
@@ -41,6 +59,10 @@ public:
     std::wstring text;
 
 private:
+    // Makes the range item at offset from the first value current; false, and the end as a walk leaves
+    // it, outside the range.
+    bool setRangeItem(long long offset);
+    void showRangeValue(int value);
     // Range mode: the item with value next, or the end when next lies past the last value. The end
     // keeps that value and its text, as callers that read them after the loop expect.
     void stepRange(long long next);

@@ -98,7 +98,9 @@ int32_t FontMetadata::getLegacyVerticalOffset() const {
         else if (fontFamilies.front() == "MS Sans Serif")
             offset = -(pixelHeight / 7);
     }
-    return offset + verticalOffset;
+    // Both come from the style file and may be any int: the sum is clamped.
+    const int64_t sum = int64_t{offset} + verticalOffset;
+    return static_cast<int32_t>(std::clamp<int64_t>(sum, INT32_MIN, INT32_MAX));
 }
 
 // ---- SkinMetadata

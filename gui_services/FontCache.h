@@ -39,7 +39,7 @@ struct FontMetadata {
     bool reservedFlag = true;
 
     // Pixels by which text is moved down: -(pixel height / 20) for Arial, -(pixel height / 7) for
-    // MS Sans Serif, else 0; plus the style's vertical offset.
+    // MS Sans Serif, else 0; plus the style's vertical offset, clamped to the int range.
     int32_t getLegacyVerticalOffset() const;
     // The text colour as 0xAARRGGBB.
     uint32_t textArgb() const { return swapRedBlue(textColor); }

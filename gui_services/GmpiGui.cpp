@@ -84,8 +84,8 @@ void FileDialog::AddExtensionList(const std::wstring& list) {
         AddExtension("*");
         return;
     }
-    for (it.First(); !it.IsDone(); it.Next())
-        AddExtension(kx::toUtf8(it.CurrentItem()->text));
+    // A dialog cannot say that its list of types was cut; the first ones are offered.
+    it.ForEachListed([this](const it_enum_list& item) { AddExtension(kx::toUtf8(item.text)); });
 }
 
 void FileDialog::SetInitialFilename(const std::string& name) {

@@ -64,7 +64,8 @@ public:
     void release() { dialog_.reset(); }
 
     void AddExtension(const std::string& extension, const std::string& description = {});
-    // One extension per item of an enumeration list, empty descriptions; "*" when the list has no item.
+    // One extension per item of an enumeration list (at most it_enum_list::kMostListed), empty
+    // descriptions; "*" when the list has no item.
     void AddExtensionList(const std::wstring& list);
     void SetInitialFilename(const std::string& name);
     void SetInitialDirectory(const std::string& folder);

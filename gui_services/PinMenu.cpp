@@ -7,19 +7,17 @@
 
 namespace kx {
 
-namespace {
-// A menu longer than this is of no use to anyone, and a list such as "range -2147483648,2147483647" would
-// otherwise keep the GUI thread adding entries for hours.
-constexpr int kMaxMenuItems = 10000;
-}  // namespace
-
 int32_t addMenuItems(gmpi::IMpUnknown* contextMenuItemsSink, const std::wstring& items) {
     auto sink = gmpi_sdk::queryAs<gmpi::IMpContextItemSink>(contextMenuItemsSink, gmpi::MP_IID_CONTEXT_ITEMS_SINK);
     if (!sink)
         return gmpi::MP_FAIL;
     it_enum_list it(items);
-    for (it.First(); !it.IsDone() && it.index < kMaxMenuItems; it.Next())
-        sink->AddItem(toUtf8Lenient(it.text).c_str(), it.id, 0);
+    const bool whole = it.ForEachListed(
+        [&](const it_enum_list& item) { sink->AddItem(toUtf8Lenient(item.text).c_str(), item.id, 0); });
+    if (!whole) {
+        const std::string note = "(list cut: the first " + std::to_string(it_enum_list::kMostListed) + " items shown)";
+        sink->AddItem(note.c_str(), -1, 0);
+    }
     return gmpi::MP_OK;
 }
 

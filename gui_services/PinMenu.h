@@ -13,8 +13,10 @@
 
 namespace kx {
 
-// One menu entry per item of the enumeration list, the first 10,000 at most: the item's text, with its
-// value as the entry's identifier. -1 when the object is not a context-menu sink.
+// One menu entry per item of the enumeration list: the item's text, with its value as the entry's
+// identifier, flags 0. At most it_enum_list::kMostListed of them; a longer list ends with an entry saying
+// it was cut, whose identifier is -1 (the choice pins' rest value, so choosing it chooses nothing). -1
+// when the object is not a context-menu sink.
 int32_t addMenuItems(gmpi::IMpUnknown* contextMenuItemsSink, const std::wstring& items);
 
 // The selection, then -1: a receiver sees every choice, also the same entry chosen twice.

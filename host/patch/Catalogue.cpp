@@ -1,8 +1,12 @@
 #include "patch/Catalogue.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <fstream>
+#include <limits>
 #include <sstream>
+#include <unordered_set>
 
 #include <nlohmann/json.hpp>
 
@@ -53,17 +57,37 @@ std::string pinNameForPatch(const std::string& name) {
 
 namespace {
 
+// A JSON integer (signed or unsigned) within [low, high].
+std::optional<int64_t> integerIn(const json& j, int64_t low, int64_t high) {
+    if (j.is_number_unsigned()) {
+        const auto v = j.get<uint64_t>();
+        if (v > static_cast<uint64_t>(high))
+            return std::nullopt;
+        return static_cast<int64_t>(v);
+    }
+    if (!j.is_number_integer())
+        return std::nullopt;
+    const auto v = j.get<int64_t>();
+    if (v < low || v > high)
+        return std::nullopt;
+    return v;
+}
+
 std::optional<Value> defaultFromJson(Datatype type, const json& j) {
     switch (type) {
         case Datatype::Int:
         case Datatype::Enum:
-            if (j.is_number_integer())
-                return Value::ofInt(j.get<int32_t>(), type);
+            if (const auto v = integerIn(j, INT32_MIN, INT32_MAX))
+                return Value::ofInt(static_cast<int32_t>(*v), type);
             break;
         case Datatype::Float:
         case Datatype::Audio:
-            if (j.is_number())
-                return Value::ofFloat(j.get<float>(), type);
+            // A number beyond the float range would be narrowed to infinity: the description is wrong.
+            if (j.is_number()) {
+                const auto v = j.get<double>();
+                if (std::isfinite(v) && std::fabs(v) <= std::numeric_limits<float>::max())
+                    return Value::ofFloat(static_cast<float>(v), type);
+            }
             break;
         case Datatype::Bool:
             if (j.is_boolean())
@@ -104,20 +128,22 @@ SideInfo readSide(const json& j, const std::string& where, const Purposes& purpo
     if (!j.is_object() || !j.contains("pins") || !j["pins"].is_array())
         throw HostError(where + ": needs a \"pins\" array");
     SideInfo side;
+    std::unordered_set<std::string> names;
     for (const auto& p : j["pins"]) {
         const std::string at = where + " pin " + std::to_string(side.pins.size());
         if (!p.is_object())
             throw HostError(at + ": is not an object");
         PinInfo pin;
-        if (!p.contains("index") || !p["index"].is_number_integer() || p["index"].get<int>() < 0)
+        const auto index = p.contains("index") ? integerIn(p["index"], 0, INT32_MAX) : std::nullopt;
+        if (!index)
             throw HostError(at + ": needs a non-negative integer \"index\"");
-        pin.index = p["index"].get<int>();
+        pin.index = static_cast<int>(*index);
         if (!side.pins.empty() && pin.index <= side.pins.back().index)
             throw HostError(at + ": index " + std::to_string(pin.index) + " is not above the previous one");
         if (!p.contains("name") || !p["name"].is_string() || p["name"].get<std::string>().empty())
             throw HostError(at + ": needs a \"name\"");
         pin.name = p["name"].get<std::string>();
-        if (side.byName(pin.name))
+        if (!names.insert(pin.name).second)
             throw HostError(at + ": the name \"" + pin.name + "\" is used twice");
         const auto type = p.contains("datatype") && p["datatype"].is_string()
                               ? datatypeFromName(p["datatype"].get<std::string>())
@@ -126,7 +152,8 @@ SideInfo readSide(const json& j, const std::string& where, const Purposes& purpo
             throw HostError(at + " (" + pin.name +
                             "): \"datatype\" must be one of text, bool, float, int, blob, enum, audio, midi");
         pin.type = *type;
-        const std::string direction = p.value("direction", std::string());
+        const std::string direction =
+            p.contains("direction") && p["direction"].is_string() ? p["direction"].get<std::string>() : "";
         if (direction != "in" && direction != "out")
             throw HostError(at + " (" + pin.name + "): \"direction\" must be \"in\" or \"out\"");
         pin.output = direction == "out";
@@ -158,6 +185,17 @@ SideInfo readSide(const json& j, const std::string& where, const Purposes& purpo
     return side;
 }
 
+// The library's message without its "[json.exception.KIND.N] " prefix (a parse error's names the line
+// and column).
+std::string libraryMessage(const json::exception& e) {
+    std::string what = e.what();
+    if (const auto close = what.find("] "); what.rfind("[json.exception.", 0) == 0 && close != std::string::npos)
+        what = what.substr(close + 2);
+    if (what.rfind("parse error ", 0) == 0)
+        what = what.substr(12);
+    return what;
+}
+
 }  // namespace
 
 void Catalogue::addText(const std::string& text, const std::filesystem::path& file) {
@@ -165,12 +203,9 @@ void Catalogue::addText(const std::string& text, const std::filesystem::path& fi
     json doc;
     try {
         doc = json::parse(text);
-    } catch (const json::parse_error& e) {
-        // The library's message names the line and column.
-        std::string what = e.what();
-        if (auto at = what.find("parse error "); at != std::string::npos)
-            what = what.substr(at + 12);
-        throw HostError(name + ": malformed JSON: " + what);
+    } catch (const json::exception& e) {
+        // Syntax errors, and numbers beyond the double range.
+        throw HostError(name + ": malformed JSON: " + libraryMessage(e));
     }
     if (!doc.is_object() || !doc.contains("modules") || !doc["modules"].is_array())
         throw HostError(name + ": needs a top-level object with a \"modules\" array");
@@ -195,9 +230,9 @@ void Catalogue::addText(const std::string& text, const std::filesystem::path& fi
             throw HostError(name + ": every module needs an \"id\"");
         ModuleInfo info;
         info.id = m["id"].get<std::string>();
-        info.name = m.value("name", info.id);
         info.file = file;
         const std::string where = name + ": " + info.id;
+        info.name = m.contains("name") ? optionalText(m, "name", where) : info.id;
         info.category = optionalText(m, "category", where);
         info.summary = optionalText(m, "summary", where);
         info.guide = optionalText(m, "guide", where);

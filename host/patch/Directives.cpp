@@ -1,5 +1,6 @@
 // The patch directives every patch may use: instance, wire, param, resources, option.
 #include <algorithm>
+#include <set>
 
 #include "patch/Registry.h"
 
@@ -71,7 +72,7 @@ void instanceDirective(Parser& p, const Line& line) {
                              " gui pins, not " + std::to_string(*pinCount));
         }
     }
-    p.patch.instances.push_back(std::move(decl));
+    p.patch.add(std::move(decl));
 }
 
 // wire FROM -> TO [TO ...]
@@ -95,11 +96,10 @@ void wireDirective(Parser& p, const Line& line) {
         if (!compatible(source.type, target.type))
             p.fail(line, "cannot wire " + p.patch.label(from) + " (" + datatypeName(source.type) + ") to " +
                              p.patch.label(to) + " (" + datatypeName(target.type) + ")");
-        for (const auto& w : p.patch.wires)
-            if (w.from == from && w.to == to)
-                p.fail(line, p.patch.label(from) + " is already wired to " + p.patch.label(to) + " at line " +
-                                 std::to_string(w.where.line));
-        p.patch.wires.push_back({from, to, line.where});
+        if (const WireDecl* w = p.patch.wire(from, to))
+            p.fail(line, p.patch.label(from) + " is already wired to " + p.patch.label(to) + " at line " +
+                             std::to_string(w->where.line));
+        p.patch.add(WireDecl{from, to, line.where});
     }
 }
 
@@ -110,12 +110,13 @@ void paramDirective(Parser& p, const Line& line) {
     decl.name = line.tokens[1].raw;
     decl.where = line.where;
     checkNewName(p, line, decl.name);
+    std::set<PinRef> named;
     for (size_t i = 2; i < line.tokens.size(); ++i) {
         const PinRef pin = p.pin(line, line.tokens[i]);
         const PinInfo& info = *p.patch.pin(pin);
         if (const ParamDecl* other = p.patch.paramOf(pin))
             p.fail(line, p.patch.label(pin) + " is already bound to parameter '" + other->name + "'");
-        if (std::find(decl.pins.begin(), decl.pins.end(), pin) != decl.pins.end())
+        if (!named.insert(pin).second)
             p.fail(line, p.patch.label(pin) + " is named twice");
         if (decl.pins.empty())
             decl.type = info.type;
@@ -124,7 +125,7 @@ void paramDirective(Parser& p, const Line& line) {
                              " is " + datatypeName(info.type));
         decl.pins.push_back(pin);
     }
-    p.patch.params.push_back(std::move(decl));
+    p.patch.add(std::move(decl));
 }
 
 // resources DIR (relative to the patch file's folder)

@@ -137,26 +137,41 @@ std::vector<Token> tokenize(const std::string& s, const Location& where) {
 
 // ---- the patch
 
+void Patch::add(InstanceDecl decl) {
+    instanceAt_.emplace(decl.name, instances.size());
+    instances.push_back(std::move(decl));
+}
+
+void Patch::add(ParamDecl decl) {
+    paramAt_.emplace(decl.name, params.size());
+    for (const auto& pin : decl.pins)
+        paramOfPin_.emplace(pin, params.size());
+    params.push_back(std::move(decl));
+}
+
+void Patch::add(WireDecl wire) {
+    wireAt_.emplace(std::make_pair(wire.from, wire.to), wires.size());
+    wires.push_back(std::move(wire));
+}
+
 const InstanceDecl* Patch::instance(const std::string& name) const {
-    for (const auto& i : instances)
-        if (i.name == name)
-            return &i;
-    return nullptr;
+    const auto it = instanceAt_.find(name);
+    return it == instanceAt_.end() ? nullptr : &instances[it->second];
 }
 
 const ParamDecl* Patch::param(const std::string& name) const {
-    for (const auto& p : params)
-        if (p.name == name)
-            return &p;
-    return nullptr;
+    const auto it = paramAt_.find(name);
+    return it == paramAt_.end() ? nullptr : &params[it->second];
 }
 
 const ParamDecl* Patch::paramOf(const PinRef& pin) const {
-    for (const auto& p : params)
-        for (const auto& bound : p.pins)
-            if (bound == pin)
-                return &p;
-    return nullptr;
+    const auto it = paramOfPin_.find(pin);
+    return it == paramOfPin_.end() ? nullptr : &params[it->second];
+}
+
+const WireDecl* Patch::wire(const PinRef& from, const PinRef& to) const {
+    const auto it = wireAt_.find({from, to});
+    return it == wireAt_.end() ? nullptr : &wires[it->second];
 }
 
 const PinInfo* Patch::pin(const PinRef& ref) const {

@@ -10,6 +10,8 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "patch/Catalogue.h"
@@ -81,6 +83,7 @@ struct Step {
 
 struct Patch {
     std::filesystem::path file;
+    // Declarations are added through add(), which keeps the indexes the look-ups below use.
     std::vector<InstanceDecl> instances;
     std::vector<WireDecl> wires;
     std::vector<ParamDecl> params;
@@ -97,12 +100,26 @@ struct Patch {
     // A step reads the traffic of a step (expect-order, expect-message): the session keeps it.
     bool keepsTraffic = false;
 
+    void add(InstanceDecl decl);
+    void add(ParamDecl decl);
+    void add(WireDecl wire);
+
     const InstanceDecl* instance(const std::string& name) const;
     const ParamDecl* param(const std::string& name) const;
     const ParamDecl* paramOf(const PinRef& pin) const;
+    // The wire from one pin to another, if there is one.
+    const WireDecl* wire(const PinRef& from, const PinRef& to) const;
     const PinInfo* pin(const PinRef& ref) const;
     // How a trace names a pin: cmp."Value A", br.dsp.Value.
     std::string label(const PinRef& ref) const;
+
+private:
+    // Positions in the vectors above: names and pins are looked up in constant time, so that a patch
+    // parses in time linear in its size.
+    std::unordered_map<std::string, size_t> instanceAt_;
+    std::unordered_map<std::string, size_t> paramAt_;
+    std::map<PinRef, size_t> paramOfPin_;
+    std::map<std::pair<PinRef, PinRef>, size_t> wireAt_;
 };
 
 // Reads a patch file. Throws HostError "file:line: ..." on the first syntax or semantic error.

@@ -246,7 +246,7 @@ void DeviceContext::roundedRectPath(const MP1_ROUNDED_RECT& rr) {
         cairo_save(cr_);
         cairo_translate(cr_, cx, cy);
         cairo_scale(cr_, rx, ry);
-        cairo_arc(cr_, 0, 0, 1, a0, a0 + M_PI / 2);
+        unitArc(cr_, a0, a0 + M_PI / 2);
         cairo_restore(cr_);
     };
     cairo_new_sub_path(cr_);
@@ -280,7 +280,7 @@ void ellipsePath(cairo_t* cr, const MP1_ELLIPSE& e) {
     cairo_save(cr);
     cairo_translate(cr, e.point.x, e.point.y);
     cairo_scale(cr, rx, ry);
-    cairo_arc(cr, 0, 0, 1, 0, 2 * M_PI);
+    unitArc(cr, 0, 2 * M_PI);
     cairo_restore(cr);
     cairo_close_path(cr);
 }

@@ -5,6 +5,7 @@
 #include <stb/stb_image.h>
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstring>
 
@@ -149,7 +150,9 @@ PangoLayout* TextFormat::layout(PangoContext* context, const char* text, int32_t
     const int32_t n = length < 0 ? static_cast<int32_t>(std::strlen(text)) : length;
     pango_layout_set_text(l, text, n);
     if (wordWrapping_ == MP1_WORD_WRAPPING_WRAP && width > 0) {
-        pango_layout_set_width(l, static_cast<int>(width * PANGO_SCALE));
+        // A width beyond what Pango's units hold wraps nothing: the same as no width.
+        const double scaled = width * PANGO_SCALE;
+        pango_layout_set_width(l, scaled < static_cast<double>(INT_MAX) ? static_cast<int>(scaled) : -1);
         pango_layout_set_wrap(l, PANGO_WRAP_WORD_CHAR);
         pango_layout_set_alignment(l, textAlignment_ == MP1_TEXT_ALIGNMENT_CENTER     ? PANGO_ALIGN_CENTER
                                       : textAlignment_ == MP1_TEXT_ALIGNMENT_TRAILING ? PANGO_ALIGN_RIGHT
@@ -196,6 +199,35 @@ int32_t TextFormat::GetFontMetrics(MP1_FONT_METRICS* m) {
     m->strikethroughThickness = pango_font_metrics_get_strikethrough_thickness(metrics) * scale;
     pango_font_metrics_unref(metrics);
     return gmpi::MP_OK;
+}
+
+void unitArc(cairo_t* cr, double a1, double a2, bool negative) {
+    // Cairo's fixed-point coordinates end near 2^23 device units: beyond this radius a shape cannot be
+    // drawn as it is anyway, only quickly.
+    constexpr double kMostDeviceRadius = 1 << 22;
+    double ux = 1, uy = 0, vx = 0, vy = 1;
+    cairo_user_to_device_distance(cr, &ux, &uy);
+    cairo_user_to_device_distance(cr, &vx, &vy);
+    if (std::max(std::hypot(ux, uy), std::hypot(vx, vy)) <= kMostDeviceRadius) {
+        (negative ? cairo_arc_negative : cairo_arc)(cr, 0, 0, 1, a1, a2);
+        return;
+    }
+    if (!std::isfinite(a1) || !std::isfinite(a2))
+        return;
+    double sweep = a2 - a1;
+    if (!negative && sweep < 0)
+        sweep = std::fmod(sweep, 2 * M_PI) + 2 * M_PI;
+    if (negative && sweep > 0)
+        sweep = std::fmod(sweep, 2 * M_PI) - 2 * M_PI;
+    sweep = std::clamp(sweep, -2 * M_PI, 2 * M_PI);
+    const int pieces = std::max(1, static_cast<int>(std::ceil(std::fabs(sweep) / (M_PI / 2))));
+    const double step = sweep / pieces, k = 4.0 / 3.0 * std::tan(step / 4);
+    cairo_line_to(cr, std::cos(a1), std::sin(a1));  // a move when there is no current point
+    for (int i = 0; i < pieces; ++i) {
+        const double t0 = a1 + i * step, t1 = t0 + step;
+        const double c0 = std::cos(t0), s0 = std::sin(t0), c1 = std::cos(t1), s1 = std::sin(t1);
+        cairo_curve_to(cr, c0 - k * s0, s0 + k * c0, c1 + k * s1, s1 - k * c1, c1, s1);
+    }
 }
 
 void TextFormat::draw(cairo_t* cr, const char* text, int32_t length, const MP1_RECT& rect) {
@@ -331,10 +363,7 @@ void addArc(cairo_t* cr, MP1_POINT p0, const MP1_ARC_SEGMENT& arc) {
     cairo_translate(cr, cx, cy);
     cairo_rotate(cr, phi);
     cairo_scale(cr, rx, ry);
-    if (sweep)
-        cairo_arc(cr, 0, 0, 1, a1, a2);
-    else
-        cairo_arc_negative(cr, 0, 0, 1, a1, a2);
+    unitArc(cr, a1, a2, !sweep);
     cairo_restore(cr);
 }
 

@@ -126,6 +126,12 @@ private:
     IMpFactory* factory_;
 };
 
+// Adds the arc of the unit circle from angle a1 to a2 (radians; increasing angles when not negative,
+// as cairo_arc and cairo_arc_negative) in the current user space. Beyond the range of Cairo's
+// fixed-point coordinates (a module may ask for any radius) an arc cannot be drawn as it is, and Cairo's
+// own arcs there cost unbounded time; such arcs become four cubic curves to the turn, at most one turn.
+void unitArc(cairo_t* cr, double a1, double a2, bool negative = false);
+
 // The drawing factory of one host window (here: one session). Not counted: it outlives every module.
 class Factory final : public IMpFactory2 {
 public:

@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <set>
 #include <sstream>
 
 #include "gui/Graphics.h"
@@ -142,9 +143,13 @@ void placeDirective(Parser& p, const Line& line) {
     if (!inst->gui)
         p.fail(line, place.instance + " has no gui side to draw");
     PanelDecl& decl = panelDecl(p.patch);
-    for (const auto& other : decl.placements)
-        if (other.instance == place.instance)
-            p.fail(line, place.instance + " is placed twice");
+    // The names placed so far, beside the declaration: checking each line against every earlier one
+    // would make parsing quadratic.
+    auto& placed = p.patch.extensions["panel.placed"];
+    if (!placed.has_value())
+        placed = std::set<std::string>{};
+    if (!std::any_cast<std::set<std::string>&>(placed).insert(place.instance).second)
+        p.fail(line, place.instance + " is placed twice");
     place.x = number(p, line, line.tokens[2]);
     place.y = number(p, line, line.tokens[3]);
     if (line.tokens.size() == 6)

@@ -11,6 +11,8 @@
 #include <any>
 #include <map>
 #include <memory>
+#include <set>
+#include <unordered_map>
 
 #include "audio/HostParameter.h"
 #include "patch/Registry.h"
@@ -79,20 +81,27 @@ ParameterSpecs& specs(Patch& patch) {
     return std::any_cast<ParameterSpecs&>(slot);
 }
 
-ParameterSpec* findSpec(Patch& patch, const std::string& name) {
-    for (auto& spec : specs(patch))
-        if (spec.name == name)
-            return &spec;
-    return nullptr;
+// What the directives look up while parsing, so that a patch with many parameters parses in linear time:
+// the parameters' positions by name and every pin bound so far.
+struct SpecIndex {
+    std::unordered_map<std::string, size_t> byName;
+    std::set<PinRef> bound;
+};
+
+SpecIndex& specIndex(Patch& patch) {
+    auto& slot = patch.extensions["parameters.index"];
+    if (!slot.has_value())
+        slot = SpecIndex{};
+    return std::any_cast<SpecIndex&>(slot);
 }
 
-bool boundAnywhere(Patch& patch, const PinRef& pin) {
-    for (const auto& spec : specs(patch))
-        for (const auto& [role, pins] : spec.pins)
-            if (std::find(pins.begin(), pins.end(), pin) != pins.end())
-                return true;
-    return false;
+ParameterSpec* findSpec(Patch& patch, const std::string& name) {
+    const auto& byName = specIndex(patch).byName;
+    const auto it = byName.find(name);
+    return it == byName.end() ? nullptr : &specs(patch)[it->second];
 }
+
+bool boundAnywhere(Patch& patch, const PinRef& pin) { return specIndex(patch).bound.count(pin) != 0; }
 
 // parameter NAME TYPE [MIN MAX] [menu "ITEMS"]
 void parameterDirective(Parser& p, const Line& line) {
@@ -116,6 +125,7 @@ void parameterDirective(Parser& p, const Line& line) {
             p.fail(line, "usage: parameter NAME TYPE [MIN MAX] [menu \"ITEMS\"]");
         spec.menu = p.value(line, line.tokens[next + 1], Datatype::Text).text();
     }
+    specIndex(p.patch).byName.emplace(spec.name, specs(p.patch).size());
     p.patch.namedValues[spec.name] = valueDatatype(spec.type);
     specs(p.patch).push_back(std::move(spec));
 }
@@ -140,6 +150,7 @@ void bindDirective(Parser& p, const Line& line) {
         if (p.patch.paramOf(pin) || boundAnywhere(p.patch, pin))
             p.fail(line, p.patch.label(pin) + " is already bound to a parameter");
         spec->pins[role->second].push_back(pin);
+        specIndex(p.patch).bound.insert(pin);
     }
 }
 

@@ -2,6 +2,10 @@
 // pins, and the errors that name the file when one is malformed.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "patch/Catalogue.h"
 #include "patch/Error.h"
 
@@ -27,6 +31,11 @@ std::string errorOf(const std::string& text) {
         return e.what();
     }
     return "";
+}
+
+// A description of module M with one GUI pin whose fields are given as JSON text.
+std::string onePin(const std::string& fields) {
+    return R"({"modules": [{"id": "M", "gui": {"pins": [{"index": 0, "name": "A", )" + fields + "}]}}]}";
 }
 
 }  // namespace
@@ -63,4 +72,29 @@ TEST(Catalogue, TextsOfTheWrongKindAreErrorsNamingTheFile) {
     EXPECT_NE(errorOf(R"({"purposes": {"gui": {"In": 1}}, "modules": []})").find("gui pin \"In\" must be a string"),
               std::string::npos);
     EXPECT_EQ(errorOf(R"({"purposes": {"gui": {"In": "x"}}, "modules": []})"), "");
+}
+
+// Wrong types and out-of-range numbers are the loader's own errors, naming the file and the module, not
+// the JSON library's exceptions (which kxhost reports as internal errors).
+TEST(Catalogue, MalformedDescriptionsNameTheFileAndTheModule) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {onePin(R"("datatype": "int", "direction": 5)"),
+         R"(family.json: M gui pin 0 (A): "direction" must be "in" or "out")"},
+        {R"({"modules": [{"id": "M", "name": 7, "gui": {"pins": []}}]})", R"(family.json: M: "name" must be a string)"},
+        {onePin(R"("datatype": "float", "direction": "in", "default": 3e666)"),
+         "family.json: malformed JSON: number overflow parsing '3e666'"},
+        {onePin(R"("datatype": "float", "direction": "in", "default": -1e39)"),
+         R"(family.json: M gui pin 0 (A): "default" -1e+39 is not a float value)"},
+        {onePin(R"("datatype": "int", "direction": "in", "default": 2147483648)"),
+         R"(family.json: M gui pin 0 (A): "default" 2147483648 is not a int value)"},
+        {R"({"modules": [{"id": "M", "gui": {"pins": [{"index": 4294967296, "name": "A"}]}}]})",
+         R"(family.json: M gui pin 0: needs a non-negative integer "index")"},
+        {R"({"modules": [{"id": "M", "gui": {"pins": [{"index": 18446744073709551615, "name": "A"}]}}]})",
+         R"(family.json: M gui pin 0: needs a non-negative integer "index")"},
+    };
+    for (const auto& [text, message] : cases)
+        EXPECT_EQ(errorOf(text), message) << text;
+    // The float range's own edges are values.
+    EXPECT_EQ(errorOf(onePin(R"("datatype": "float", "direction": "in", "default": 3.4028234e38)")), "");
+    EXPECT_EQ(errorOf(onePin(R"("datatype": "int", "direction": "in", "default": -2147483648)")), "");
 }

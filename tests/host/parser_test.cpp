@@ -68,6 +68,14 @@ TEST(PatchParser, EveryMistakeNamesFileAndLine) {
     EXPECT_EQ(errorOf(twoAdders + "scenario\nexpect a.Out 1 within 0.5"),
               "p.kxp:4: usage: expect TARGET VALUE within TOLERANCE (for float pins)");
     EXPECT_EQ(errorOf("resources no/such/folder").rfind("p.kxp:1: resource folder ", 0), 0u);
+    // The standard library's regular expression compiler overflows on large counts: refused before it.
+    const std::string text = "instance t T_EchoText\nscenario\nexpect-match t.Text ";
+    EXPECT_EQ(errorOf(text + "\"^a{8888888888888888888}\""),
+              "p.kxp:3: not a regular expression this host takes: ^a{8888888888888888888} (8888888888888888888 is "
+              "above the largest repetition count or group number, 1000)");
+    EXPECT_NE(errorOf(text + "\"a{2,1001}\"").find("(1001 is above"), std::string::npos);
+    EXPECT_NE(errorOf(text + "\"(a)\\\\99999\"").find("(99999 is above"), std::string::npos);
+    EXPECT_EQ(errorOf(text + "\"^[{99999}]\\\\{5,1000}\\\\d{3}$\""), "");
 }
 
 TEST(PatchParser, WiresCheckTypesAndFanOutInOrder) {
@@ -164,4 +172,30 @@ TEST(PatchTokens, ABareColourIsAWordAndAnyOtherHashAComment) {
     EXPECT_EQ(tokenize("panel 1 1 #30303", {"f", 1}).size(), 3u) << "five digits are a comment";
     EXPECT_EQ(tokenize("panel 1 1 #303038x", {"f", 1}).size(), 3u);
     EXPECT_EQ(tokenize("#abcdef", {"f", 1}).size(), 1u);
+}
+
+// Names are found through indexes, not by scanning what was declared before: forty thousand instances
+// with a wire and a parameter each once took seconds. The test is the size, not a timing.
+TEST(PatchParser, FortyThousandNamesResolve) {
+    constexpr int n = 40000;
+    std::string text;
+    for (int i = 0; i < n; ++i)
+        text += "instance a" + std::to_string(i) + " T_AddOne\n";
+    for (int i = 0; i + 1 < n; ++i)
+        text += "wire a" + std::to_string(i) + ".Out -> a" + std::to_string(i + 1) + ".In\n";
+    for (int i = 0; i < n; i += 2)
+        text += "param p" + std::to_string(i) + " a" + std::to_string(i) + ".In\n";
+    const Patch p = parse(text);
+    EXPECT_EQ(p.instances.size(), size_t(n));
+    EXPECT_EQ(p.wires.size(), size_t(n - 1));
+    ASSERT_NE(p.instance("a39999"), nullptr);
+    EXPECT_EQ(p.instance("a39999")->name, "a39999");
+    ASSERT_NE(p.paramOf({"a39998", Side::Gui, 0}), nullptr);
+    EXPECT_EQ(p.paramOf({"a39998", Side::Gui, 0})->name, "p39998");
+    EXPECT_EQ(p.paramOf({"a39999", Side::Gui, 0}), nullptr);
+
+    // The small cases above check each kind of repeat; here one at the end of the large patch.
+    EXPECT_EQ(errorOf(text + "wire a5.Out -> a6.In"), "p.kxp:" + std::to_string(2 * n - 1 + n / 2 + 1) +
+                                                          ": a5.Out is already wired to a6.In at line " +
+                                                          std::to_string(n + 6));
 }

@@ -258,6 +258,45 @@ TEST(RenderText, ClipOptionKeepsTextInsideItsRectangle) {
     }
 }
 
+// Arcs of any radius: within the range of Cairo's coordinates drawn where they are, beyond it (where
+// Cairo's own arcs took most of a minute) drawn somehow, but at once.
+TEST(RenderDrawing, ArcsOfAnyRadiusDraw) {
+    Target t(20, 20);
+    auto* white = t.brush(255, 255, 255);
+    const MP1_ELLIPSE below{{10, 1e6f + 15}, 1e6f, 1e6f};  // its top edge runs at y = 15
+    t.dc->FillEllipse(&below, white);
+    for (const float r : {1e7f, 1e30f, 3e38f}) {
+        const MP1_ELLIPSE huge{{10, 10}, r, r};
+        const MP1_ROUNDED_RECT corners{{-r, -r, 10, 10}, r / 10, r / 10};
+        auto* none = t.brush(0, 0, 0, 0);
+        t.dc->FillEllipse(&huge, none);
+        t.dc->DrawEllipse(&huge, none, 1);
+        t.dc->FillRoundedRectangle(&corners, none);
+        none->release();
+    }
+    white->release();
+    const auto pixels = t.all(20, 20);
+    EXPECT_EQ(pixels[19 * 20 + 10] & 0xFFFFFF, 0xFFFFFFu);
+    EXPECT_EQ(pixels[12 * 20 + 10] & 0xFFFFFF, 0u);
+}
+
+// A module may hand any rectangle: a wrapping width beyond what Pango's units hold draws as unwrapped.
+TEST(RenderText, AWrappingWidthBeyondPangosRangeWrapsNothing) {
+    Target t(200, 20);
+    IMpTextFormat* format = nullptr;
+    t.factory.CreateTextFormat("DejaVu Sans", MP1_FONT_WEIGHT_NORMAL, 0, 5, 14, &format);
+    format->SetWordWrapping(MP1_WORD_WRAPPING_WRAP);
+    auto* brush = t.brush(255, 255, 255);
+    const MP1_RECT r{0, 0, 1.7e38f, 20};
+    t.dc->DrawTextU("one two three", -1, format, &r, brush, 0);
+    brush->release();
+    format->release();
+    int lit = 0;
+    for (uint32_t p : t.all(200, 20))
+        lit += (p >> 24) > 0x80 ? 1 : 0;
+    EXPECT_GT(lit, 10);
+}
+
 namespace {
 
 // A graphic module face that records what reaches it.

@@ -1,5 +1,6 @@
 // A recording GUI host for unit tests: remembers every pinTransmit and message, answers resources from
-// a map, and can echo transmitted values back into the sender like a host parameter does.
+// a map, and can echo transmitted values back into the sender like a host parameter does; and a
+// recording context-menu sink.
 #pragma once
 
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "gmpi/IMpContextItemSink.h"
 #include "gmpi/IMpUserInterfaceHost.h"
 #include "gmpi/IMpUserInterfaceHost2.h"
 #include "gmpi/IString.h"
@@ -118,6 +120,31 @@ public:
             if (t.pin == pin)
                 r.push_back(t);
         return r;
+    }
+};
+
+// The host's context-menu sink: records every entry (its text copied, as the host promises).
+class RecordingMenuSink final : public gmpi::IMpContextItemSink {
+public:
+    struct Entry {
+        std::string text;
+        int32_t id;
+        bool operator==(const Entry&) const = default;
+    };
+    std::vector<Entry> entries;
+
+    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
+        *out = nullptr;
+        if (!gmpi::isUnknownIid(iid) && !(iid == gmpi::MP_IID_CONTEXT_ITEMS_SINK))
+            return gmpi::MP_NOSUPPORT;
+        *out = this;
+        return gmpi::MP_OK;
+    }
+    int32_t addRef() override { return 1; }
+    int32_t release() override { return 1; }
+    int32_t AddItem(const char* text, int32_t id, int32_t) override {
+        entries.push_back({text, id});
+        return gmpi::MP_OK;
     }
 };
 

@@ -15,6 +15,7 @@
 #include "gmpi/IMpCompletionHandler.h"
 #include "gmpi/IMpGraphicsHost.h"
 #include "gmpi/IMpPlatformFileDialog.h"
+#include "it_enum_list.h"
 
 namespace fs = std::filesystem;
 using kxtest::Hosted;
@@ -384,6 +385,18 @@ TEST(FileReq, AnEmptyExtensionListOffersEveryFile) {
     ASSERT_EQ(r.host.dialogs.size(), 1u);
     EXPECT_EQ(r.host.dialogs[0]->extensions, std::vector<std::string>{"*"});
     EXPECT_EQ(r.host.dialogs[0]->type, gmpi_gui::MP_PLATFORM_FILE_OPEN);
+    r.host.dialogs[0]->complete(nullptr);
+}
+
+// Offering every value of a range as a file type would take minutes: the dialog gets the capped list.
+TEST(FileReq, AnExtensionListBeyondTheCapIsCut) {
+    Requester r;
+    kxtest::deliverText(*r.module, R::Extensions, L"range -2147483648,2147483647");
+    r.click();
+    ASSERT_EQ(r.host.dialogs.size(), 1u);
+    const auto& offered = r.host.dialogs[0]->extensions;
+    ASSERT_EQ(offered.size(), static_cast<size_t>(it_enum_list::kMostListed));
+    EXPECT_EQ(offered.front(), "-2147483648");
     r.host.dialogs[0]->complete(nullptr);
 }
 

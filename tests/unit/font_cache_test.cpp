@@ -112,6 +112,14 @@ TEST(FontMetadata, LegacyVerticalOffsetByFamily) {
     EXPECT_EQ(m.getLegacyVerticalOffset(), 3);
     m.fontFamilies.clear();
     EXPECT_EQ(m.getLegacyVerticalOffset(), 3);
+    // A style file can give both numbers any int value: the sum is clamped, not overflowed.
+    m.fontFamilies = {"Arial"};
+    m.pixelHeight = 40;
+    m.verticalOffset = INT32_MIN;
+    EXPECT_EQ(m.getLegacyVerticalOffset(), INT32_MIN);
+    m.pixelHeight = -40;
+    m.verticalOffset = INT32_MAX;
+    EXPECT_EQ(m.getLegacyVerticalOffset(), INT32_MAX);
 }
 
 TEST_F(StyleFixture, WidgetsShareOneFormatPerStyleAndTheFileIsReadOnce) {

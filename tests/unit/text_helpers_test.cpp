@@ -148,6 +148,39 @@ TEST(EnumList, ARangeEndsOneStepPastItsLastValue) {
         << "the last int ends without wrapping round";
 }
 
+TEST(EnumList, ARangeFromTheSmallestIntStartsThere) {
+    EXPECT_EQ(items(L"range -2147483648"), (std::vector<Item>{{0, INT_MIN, L"-2147483648"}}));
+    EXPECT_EQ(items(L"range -2147483648,-2147483647"),
+              (std::vector<Item>{{0, INT_MIN, L"-2147483648"}, {1, INT_MIN + 1, L"-2147483647"}}));
+    EXPECT_EQ(it_enum_list::ForceValidValue(L"range -2147483648,0", 5), INT_MIN);
+}
+
+// Twenty-nine characters name four billion values: finding one must not walk the values before it.
+TEST(EnumList, RangeLookUpsDoNotWalkTheRange) {
+    const std::wstring everything = L"range -2147483648,2147483647";
+    it_enum_list list(everything);
+    ASSERT_TRUE(list.FindValue(INT_MAX - 1));
+    EXPECT_EQ(list.id, INT_MAX - 1);
+    EXPECT_EQ(list.text, L"2147483646");
+    EXPECT_EQ(list.index, INT_MAX);  // positions past the last an int holds read as the last
+    ASSERT_TRUE(list.FindIndex(INT_MAX));
+    EXPECT_EQ(list.id, -1);
+    EXPECT_EQ(list.text, L"-1");
+    EXPECT_FALSE(list.FindIndex(-1));
+    EXPECT_TRUE(list.IsDone());
+    EXPECT_TRUE(it_enum_list::IsValidValue(everything, INT_MAX));
+    EXPECT_EQ(it_enum_list::ForceValidValue(everything, 7), 7);
+    EXPECT_EQ(it_enum_list::ForceValidValue(L"range 10,2000000000", 9), 10);
+    EXPECT_FALSE(it_enum_list::IsValidValue(L"range 10,2000000000", 2000000001));
+    EXPECT_FALSE(it_enum_list::IsValidValue(L"range 2000000000,10", 20));  // reversed: no items
+    EXPECT_EQ(it_enum_list::ForceValidValue(L"range 2000000000,10", 20), 0);
+    // Iteration goes on from what a look-up found.
+    ASSERT_TRUE(list.FindValue(5));
+    list.Next();
+    EXPECT_EQ(list.id, 6);
+    EXPECT_EQ(list.text, L"6");
+}
+
 TEST(EnumList, SeparatorsAreIteratedButNeverFound) {
     it_enum_list list(L"----,a");
     EXPECT_FALSE(list.FindIndex(0));
