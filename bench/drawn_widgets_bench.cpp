@@ -10,14 +10,12 @@
 
 #include <cairo.h>
 
-#include <fstream>
 #include <functional>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "FakeGraphicsHost.h"
+#include "DemoSkinHosts.h"
 #include "FontCache.h"
 #include "GmpiDrawing.h"
 #include "TextCodec.h"
@@ -34,50 +32,7 @@ using GmpiDrawing_API::MP1_RECT;
 
 namespace {
 
-// The graphics host of a module on the benchmark's panel: kxhost's drawing factory, nothing else.
-class BenchGraphicsHost final : public gmpi_gui::IMpGraphicsHost {
-public:
-    BenchGraphicsHost(kxtest::FakeSkinHost& gui, kxhost::draw::Factory& factory) : gui_(gui), factory_(factory) {}
-    gmpi::IMpUnknown* unknown() { return this; }
-    int32_t queryInterface(const gmpi::MpGuid& iid, void** out) override {
-        if (gmpi_gui::isGraphicsHostIid(iid)) {
-            *out = static_cast<gmpi_gui::IMpGraphicsHost*>(this);
-            return gmpi::MP_OK;
-        }
-        return gui_.queryInterface(iid, out);
-    }
-    int32_t addRef() override { return 1; }
-    int32_t release() override { return 1; }
-    int32_t getDrawingScale(float& s) override { return s = 1, gmpi::MP_OK; }
-    int32_t getLayoutRect(MP1_RECT&) override { return gmpi::MP_FAIL; }
-    void invalidateRect(const MP1_RECT*) override {}
-    void invalidateMeasure() override {}
-    int32_t setCapture() override { return gmpi::MP_OK; }
-    int32_t getCapture(int32_t& v) override { return v = 0, gmpi::MP_OK; }
-    int32_t releaseCapture() override { return gmpi::MP_OK; }
-    int32_t createFileDialog(int32_t, gmpi::IMpUnknown** out) override { return *out = nullptr, gmpi::MP_FAIL; }
-    int32_t createPlatformTextEdit(const MP1_RECT*, gmpi::IMpUnknown** out) override {
-        return *out = nullptr, gmpi::MP_FAIL;
-    }
-    void GetDrawingFactory(GmpiDrawing_API::IMpFactory** f) override { *f = &factory_; }
-
-private:
-    kxtest::FakeSkinHost& gui_;
-    kxhost::draw::Factory& factory_;
-};
-
-// The demo skin's styles, served as the host's "global" resource.
-struct Hosts {
-    kxtest::FakeSkinHost gui{"/bench-skin/"};
-    kxhost::draw::Factory factory;
-    BenchGraphicsHost graphics{gui, factory};
-    Hosts() {
-        std::ifstream file(KX_SOURCE_DIR "/examples/skin/global.txt");
-        std::stringstream bytes;
-        bytes << file.rdbuf();
-        gui.files[gui.folder + "global"] = bytes.str();
-    }
-};
+using Hosts = kxbench::DemoSkinHosts;
 
 Hosts& hosts() {
     static Hosts h;
@@ -221,12 +176,15 @@ struct ScrollBar {
         void draw(GmpiDrawing_API::IMpDeviceContext* dc) {
             GmpiDrawing::Graphics g(dc);
             g.FillRectangle(Rect(0, 0, w, h), g.CreateSolidColorBrush(Color::FromArgb(0xFF25272C)));
-            auto dark = g.CreateSolidColorBrush(Color(0.1f, 0.1f, 0.12f));
+            // The groove and rim colours: a third of the way from the edge colour to black and to white.
+            const Color edge = Color::FromArgb(0xFF8C96A8);
+            auto dark = g.CreateSolidColorBrush(Color(edge.r * 0.333f, edge.g * 0.333f, edge.b * 0.333f));
             g.DrawRectangle(Rect(0.5f, 0.5f, w - 0.5f, h - 0.5f), dark);
             g.FillRectangle(Rect(2, 62, w - 2, 98), g.CreateSolidColorBrush(Color::FromArgb(0xFF5B6270)));
             g.DrawRectangle(Rect(2.5f, 62.5f, w - 2.5f, 97.5f),
-                            g.CreateSolidColorBrush(Color(0.8f, 0.8f, 0.85f, 0.45f)));
-            for (float y : {76.5f, 79.5f, 82.5f})
+                            g.CreateSolidColorBrush(
+                                Color((edge.r + 2) * 0.333f, (edge.g + 2) * 0.333f, (edge.b + 2) * 0.333f, 0.45f)));
+            for (float y : {77.5f, 80.5f, 83.5f})
                 g.DrawLine({4, y}, {w - 4, y}, dark);
         }
     };

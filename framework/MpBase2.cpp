@@ -13,9 +13,9 @@ void MpPinBase::processEvent(const gmpi::MpEvent* e) {
 
 int MpPinBase::blockPosition() const { return plugin_ ? plugin_->getBlockPosition() : 0; }
 
-void MpPinBase::sendPinUpdate(int position) {
+void MpPinBase::sendPinUpdate(int position, int size, const void* data) {
     if (plugin_)
-        plugin_->sendPinValue(id_, position < 0 ? blockPosition() : position, rawSize(), rawData());
+        plugin_->sendPinValue(id_, position < 0 ? plugin_->getBlockPosition() : position, size, data);
 }
 
 void AudioInPin::preProcessEvent(const gmpi::MpEvent* e) {
@@ -112,13 +112,9 @@ int32_t MpPluginBase::setHost(gmpi::IMpUnknown* hostObject) {
 }
 
 void MpPluginBase::onGraphStart() {
-    for (auto& [index, pin] : pins)
-        if (pin->getDirection() == MP_OUT)
-            pin->sendFirstUpdate();
-}
-
-int32_t MpPluginBase::sendPinValue(int pinId, int position, int size, const void* data) {
-    return host ? host->setPin(position, pinId, size, data) : gmpi::MP_FAIL;
+    for (const auto& slot : pins)
+        if (slot.pin->getDirection() == MP_OUT)
+            slot.pin->sendFirstUpdate();
 }
 
 int32_t MpPluginBase::sendPinStreaming(int pinId, int position, bool isStreaming) {
@@ -134,12 +130,7 @@ void MpPluginBase::initializePin(int index, MpPinBase& pin, MpBaseMemberPtr hand
     if (!handler && pin.getDirection() == MP_IN)
         handler = pin.getDefaultEventHandler();
     pin.bind(index, this, handler);
-    pins.emplace(index, &pin);
-}
-
-MpPinBase* MpPluginBase::getPin(int index) const {
-    const auto it = pins.find(index);
-    return it == pins.end() ? nullptr : it->second;
+    pins.add(index, pin);
 }
 
 // ---- MpBase2
@@ -150,6 +141,7 @@ void MpBase2::process(int32_t count, const gmpi::MpEvent* events) {
     if (count < 0)
         count = 0;
     blockPosition = 0;
+    sleepTold = false;
     const gmpi::MpEvent* e = events;
     while (e) {
         // A time stamp is an offset inside the block. One outside it or behind the current position is
@@ -169,13 +161,13 @@ void MpBase2::process(int32_t count, const gmpi::MpEvent* events) {
         for (auto* ev = e; ev != end; ev = ev->next)
             if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI)
                 if (MpPinBase* pin = getPin(ev->parm1))
-                    pin->preProcessEvent(ev);
+                    pin->storeEvent(ev);
         for (auto* ev = e; ev != end; ev = ev->next) {
             if (ev->eventType == gmpi::EVENT_GRAPH_START) {
                 onGraphStart();
             } else if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI) {
                 if (MpPinBase* pin = getPin(ev->parm1)) {
-                    pin->processEvent(ev);
+                    pin->handleEvent(ev);
                     pinsChanged |= ev->eventType != gmpi::EVENT_MIDI;
                 }
             }
@@ -185,12 +177,13 @@ void MpBase2::process(int32_t count, const gmpi::MpEvent* events) {
         for (auto* ev = e; ev != end; ev = ev->next)
             if (ev->eventType >= gmpi::EVENT_PIN_SET && ev->eventType <= gmpi::EVENT_MIDI)
                 if (MpPinBase* pin = getPin(ev->parm1))
-                    pin->postProcessEvent(ev);
+                    pin->clearEvent(ev);
         e = end;
     }
     if (count > blockPosition)
         (this->*curSubProcess)(count - blockPosition);
     blockPosition = 0;
+    sleepTold = false;
 }
 
 void MpBase2::OnPinStreamingChange(bool isStreaming) {
@@ -220,7 +213,8 @@ void MpBase2::subProcessPreSleep(int sampleFrames) {
     int remaining = sampleFrames;
     while (remaining > 0 && curSubProcess == &MpBase2::subProcessPreSleep) {
         const int slice = sleepCount > 0 ? std::min(remaining, static_cast<int>(sleepCount)) : remaining;
-        (this->*saveSubProcess)(slice);
+        if (saveSubProcess != &MpBase2::subProcessNothing)
+            (this->*saveSubProcess)(slice);
         blockPosition += slice;
         remaining -= slice;
         sleepCount = sleepCount > slice ? sleepCount - slice : 0;
@@ -229,6 +223,8 @@ void MpBase2::subProcessPreSleep(int sampleFrames) {
     if (remaining > 0)
         (this->*curSubProcess)(remaining);
     blockPosition = start;
-    if (sleepCount == 0 && curSubProcess == &MpBase2::subProcessPreSleep && canSleep && host)
+    if (sleepCount == 0 && curSubProcess == &MpBase2::subProcessPreSleep && canSleep && host && !sleepTold) {
+        sleepTold = true;
         host->sleep();
+    }
 }

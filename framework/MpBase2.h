@@ -2,12 +2,13 @@
 // over a table of pins bound by index, event routing by time stamp, and sleep while nothing streams.
 #pragma once
 
-#include <map>
 #include <type_traits>
+#include <vector>
 
 #include "HostBoundary.h"
 #include "MpCountedPtr.h"
 #include "MpPins.h"
+#include "PinTable.h"
 #include "RefCounted.h"
 #include "gmpi/IMpAudioHost.h"
 #include "gmpi/IMpLegacyInitialization.h"
@@ -56,14 +57,16 @@ public:
     gmpi::IMpProcessorHost* getProcessorHost() const { return processorHost; }
     int getBlockPosition() const { return blockPosition; }
     // Sends a value of an output pin to the host at a block position.
-    int32_t sendPinValue(int pinId, int position, int size, const void* data);
+    int32_t sendPinValue(int pinId, int position, int size, const void* data) {
+        return host ? host->setPin(position, pinId, size, data) : gmpi::MP_FAIL;
+    }
     int32_t sendPinStreaming(int pinId, int position, bool isStreaming);
     // Asks the host how long the module must keep running before it may sleep.
     void resetSleepCounter();
     void raiseSleepCount(int atLeast) { sleepCount = sleepCount < atLeast ? atLeast : sleepCount; }
 
     // The pin bound to index, or null.
-    MpPinBase* getPin(int index) const;
+    MpPinBase* getPin(int index) const { return pins.find(index); }
 
 protected:
     // Binding, from the constructor only. The index-less forms take the next index after the highest
@@ -76,11 +79,11 @@ protected:
     void initializePin(MpPinBase& pin, void (M::*handler)(const gmpi::MpEvent*)) {
         initializePin(nextPinIndex(), pin, static_cast<MpBaseMemberPtr>(handler));
     }
-    int nextPinIndex() const { return pins.empty() ? 0 : pins.rbegin()->first + 1; }
+    int nextPinIndex() const { return pins.nextIndex(); }
 
     gmpi_sdk::mp_shared_ptr<gmpi::IMpAudioHost> host;
     gmpi::IMpProcessorHost* processorHost = nullptr;  // not counted: the host outlives its modules
-    std::map<int32_t, MpPinBase*> pins;
+    kx::PinTable<MpPinBase> pins;
     int32_t blockPosition = 0;
     int32_t sleepCount = 0;
     int32_t streamingPins = 0;
@@ -119,4 +122,9 @@ protected:
 
     SubProcess curSubProcess;
     SubProcess saveSubProcess;
+
+private:
+    // Set once the host has been told during the current block that the module may sleep: telling it
+    // again for a later stretch of the same block changes nothing.
+    bool sleepTold = false;
 };

@@ -68,7 +68,7 @@ int32_t MpFactory::create(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnk
     if (!uniqueId)
         return gmpi::MP_NOSUPPORT;
     return kx::guarded([&] {
-        const auto it = registry_.find(std::make_pair(subType, std::wstring(uniqueId)));
+        const auto it = registry_.find(std::make_pair(subType, std::wstring_view(uniqueId)));
         if (it == registry_.end() || !it->second.create)
             return gmpi::MP_NOSUPPORT;
         created = it->second.create();

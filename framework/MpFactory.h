@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -51,8 +52,16 @@ private:
     int32_t create(const wchar_t* uniqueId, int32_t subType, gmpi::IMpUnknown*& created,
                    MP_SetHostFunc* setHost = nullptr);
 
-    // Ordered by side, then by identifier.
-    std::map<std::pair<int32_t, std::wstring>, Creator> registry_;
+    // Orders (side, identifier) keys by side, then by identifier, and compares a key with a (side, view)
+    // pair, so that a look-up copies no identifier.
+    struct KeyOrder {
+        using is_transparent = void;
+        template <class A, class B>
+        bool operator()(const A& a, const B& b) const {
+            return a.first != b.first ? a.first < b.first : std::wstring_view(a.second) < std::wstring_view(b.second);
+        }
+    };
+    std::map<std::pair<int32_t, std::wstring>, Creator, KeyOrder> registry_;
 };
 
 // The one factory, created on first use.

@@ -4,36 +4,9 @@
 
 // ---- GuiPinOwner
 
-void GuiPinOwner::addPin(int index, MpGuiPinBase& pin) {
-    auto it = std::lower_bound(slots_.begin(), slots_.end(), index, [](const Slot& s, int i) { return s.index < i; });
-    if (it != slots_.end() && it->index == index)
-        return;
-    slots_.insert(it, Slot{index, &pin});
-}
+void GuiPinOwner::addPin(int index, MpGuiPinBase& pin) { slots_.add(index, pin); }
 
-MpGuiPinBase* GuiPinOwner::getPin(int index) const {
-    auto it = std::lower_bound(slots_.begin(), slots_.end(), index, [](const Slot& s, int i) { return s.index < i; });
-    return it != slots_.end() && it->index == index ? it->pin : nullptr;
-}
-
-int GuiPinOwner::nextPinIndex() const { return slots_.empty() ? 0 : slots_.back().index + 1; }
-
-int32_t GuiPinOwner::setPin(int index, int voice, int size, const void* data) {
-    MpGuiPinBase* pin = getPin(index);
-    if (!pin)
-        return gmpi::MP_FAIL;
-    pin->set(voice, size, data);
-    return gmpi::MP_OK;
-}
-
-int32_t GuiPinOwner::notifyPin(int index, int voice) {
-    MpGuiPinBase* pin = getPin(index);
-    if (!pin)
-        return gmpi::MP_FAIL;
-    if (IGuiPinCallbackImpl* callback = pin->getCallback())
-        (*callback)(voice);
-    return gmpi::MP_OK;
-}
+int GuiPinOwner::nextPinIndex() const { return slots_.nextIndex(); }
 
 // ---- MpGuiBase2
 
@@ -58,19 +31,12 @@ int32_t MpGuiBase2::setHost(gmpi::IMpUnknown* hostObject) {
     return gmpi::MP_NOSUPPORT;
 }
 
-int32_t MpGuiBase2::pinTransmit(int pinId, int size, const void* data, int voice) {
-    return host ? host->pinTransmit(pinId, size, data, voice) : gmpi::MP_FAIL;
-}
-
 void MpGuiBase2::initializePin(int index, MpGuiPinBase& pin, Handler handler) {
-    std::unique_ptr<IGuiPinCallbackImpl> callback;
-    if (handler)
-        callback = std::make_unique<IGuiPinCallback<gmpi::IMpUserInterface2>>(this, handler);
-    pin.bind(index, this, std::move(callback));
+    pin.bind(index, this, GuiPinHandler(this, handler));
     addPin(index, pin);
 }
 
 void MpGuiBase2::initializePin(int index, MpGuiPinBase& pin, IndexedHandler handler) {
-    pin.bind(index, this, std::make_unique<IGuiPinCallbackIndexed<gmpi::IMpUserInterface2>>(this, handler));
+    pin.bind(index, this, GuiPinHandler(this, handler));
     addPin(index, pin);
 }

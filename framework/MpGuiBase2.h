@@ -31,14 +31,12 @@ public:
     int32_t onContextMenu(int32_t) override { return gmpi::MP_FAIL; }
     int32_t getToolTip(float, float, gmpi::IMpUnknown*) override { return gmpi::MP_FAIL; }
     int32_t notifyPin(int32_t pinId, int32_t voice) override { return GuiPinOwner::notifyPin(pinId, voice); }
-    // Forwards to the host unchanged; -1 when the module has no host.
-    int32_t pinTransmit(int pinId, int size, const void* data, int voice) override;
 
     gmpi::IMpUserInterfaceHost2* getHost() const { return host; }
 
 protected:
-    using Handler = void (gmpi::IMpUserInterface2::*)();
-    using IndexedHandler = void (gmpi::IMpUserInterface2::*)(int voice);
+    using Handler = GuiPinHandler::Plain;
+    using IndexedHandler = GuiPinHandler::Indexed;
 
     // Binding, from the constructor only. The index-less forms take the next index, so the order of the
     // calls is the pin order.
@@ -59,9 +57,6 @@ protected:
     void initializePin(int index, MpGuiPinBase& pin, void (M::*handler)()) {
         initializePin(index, pin, static_cast<Handler>(handler));
     }
-
-    // The host's GUI interface, kept for the module's life and not released: the host outlives its modules.
-    gmpi::IMpUserInterfaceHost2* host = nullptr;
 };
 
 // Base of GUI modules without graphics: adds the reference count.

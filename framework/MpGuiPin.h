@@ -3,75 +3,99 @@
 #pragma once
 
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "MpBlob.h"
 #include "MpPinDatatype.h"
+#include "PinTable.h"
 #include "TextCodec.h"
 #include "gmpi/IMpUserInterface.h"
 #include "gmpi/IMpUserInterface2.h"
+#include "gmpi/IMpUserInterfaceHost2.h"
 
-class IGuiPinCallbackImpl {
+// A pin's handler: a member function of the module, called with or without the voice of the change. Kept
+// in the pin itself, so that a notification is one call through a member pointer.
+class GuiPinHandler {
 public:
-    virtual ~IGuiPinCallbackImpl() = default;
-    virtual void operator()(int voice) = 0;
-};
+    using Plain = void (gmpi::IMpUserInterface2::*)();
+    using Indexed = void (gmpi::IMpUserInterface2::*)(int voice);
 
-// Calls a module member function without arguments.
-template <class I>
-class IGuiPinCallback final : public IGuiPinCallbackImpl {
-public:
-    using Handler = void (I::*)();
-    IGuiPinCallback(I* module, Handler handler) : module_(module), handler_(handler) {}
-    void operator()(int) override { (module_->*handler_)(); }
+    GuiPinHandler() = default;
+    GuiPinHandler(gmpi::IMpUserInterface2* module, Plain handler) : module_(handler ? module : nullptr) {
+        handler_.plain = handler;
+    }
+    GuiPinHandler(gmpi::IMpUserInterface2* module, Indexed handler)
+        : module_(handler ? module : nullptr), indexed_(true) {
+        handler_.indexed = handler;
+    }
+
+    void operator()(int voice) const {
+        if (!module_)
+            return;
+        if (indexed_)
+            (module_->*handler_.indexed)(voice);
+        else
+            (module_->*handler_.plain)();
+    }
 
 private:
-    I* module_;
-    Handler handler_;
-};
-
-// Calls a module member function with the voice of the change.
-template <class I>
-class IGuiPinCallbackIndexed final : public IGuiPinCallbackImpl {
-public:
-    using Handler = void (I::*)(int voice);
-    IGuiPinCallbackIndexed(I* module, Handler handler) : module_(module), handler_(handler) {}
-    void operator()(int voice) override { (module_->*handler_)(voice); }
-
-private:
-    I* module_;
-    Handler handler_;
+    gmpi::IMpUserInterface2* module_ = nullptr;
+    union {
+        Plain plain = nullptr;
+        Indexed indexed;
+    } handler_;
+    bool indexed_ = false;
 };
 
 class MpGuiPinBase;
 
-// The pin table a module keeps: index -> the module's own pin member (not owned).
+// The pin table a module keeps (index -> the module's own pin member, not owned) and the host its pins
+// send to.
 class GuiPinOwner {
 public:
     virtual ~GuiPinOwner() = default;
 
     // Inserts the pin unless the index is taken (the first pin bound to an index keeps it).
     void addPin(int index, MpGuiPinBase& pin);
-    MpGuiPinBase* getPin(int index) const;
+    MpGuiPinBase* getPin(int index) const { return slots_.find(index); }
     // Stores a value without running the handler. 0, or -1 for an unbound index.
-    int32_t setPin(int index, int voice, int size, const void* data);
+    inline int32_t setPin(int index, int voice, int size, const void* data);
     // Runs the pin's handler, if it has one. 0, or -1 for an unbound index.
-    int32_t notifyPin(int index, int voice);
-    // Sends a pin value to the host.
-    virtual int32_t pinTransmit(int index, int size, const void* data, int voice) = 0;
+    inline int32_t notifyPin(int index, int voice);
+    // Sends a pin value to the host unchanged; -1 when the module has no host.
+    int32_t pinTransmit(int index, int size, const void* data, int voice) {
+        return host ? host->pinTransmit(index, size, data, voice) : gmpi::MP_FAIL;
+    }
     // One more than the highest bound index, or 0.
     int nextPinIndex() const;
 
+protected:
+    // The host's GUI interface, kept for the module's life and not released: the host outlives its modules.
+    gmpi::IMpUserInterfaceHost2* host = nullptr;
+
 private:
-    struct Slot {
-        int index;
-        MpGuiPinBase* pin;
-    };
-    // Modules have few pins: a small vector sorted by index beats a tree for look-ups.
-    std::vector<Slot> slots_;
+    kx::PinTable<MpGuiPinBase> slots_;
 };
+
+namespace kx::detail {
+
+// The int and float pins share one rule: unchanged only when exactly 4 bytes arrive and their bit
+// pattern equals the stored one (so -0.0 differs from 0.0 and a NaN with the same bits is unchanged).
+// Fewer than 4 bytes overwrite the leading bytes; more than 4 copy only 4.
+inline bool setFourBytes(void* value, int size, const void* data) {
+    if (size < 0 || (size > 0 && !data))
+        return false;
+    if (size == 4 && std::memcmp(value, data, 4) == 0)
+        return false;
+    if (size >= 4)
+        std::memcpy(value, data, 4);
+    else if (size > 0)  // size 0 may come with a null pointer, which memcpy may not be given
+        std::memcpy(value, data, static_cast<size_t>(size));
+    return true;
+}
+
+}  // namespace kx::detail
 
 class MpGuiPinBase {
 public:
@@ -90,54 +114,66 @@ public:
     // GUI pins have no default handler.
     virtual void (gmpi::IMpUserInterface2::*getDefaultEventHandler())() { return nullptr; }
 
+    // What the host's setPin does: set(), without a virtual call for the four-byte pins.
+    bool store(int voice, int size, const void* data) {
+        return fourBytes_ ? kx::detail::setFourBytes(fourBytes_, size, data) : set(voice, size, data);
+    }
+    // Runs the handler, if there is one.
+    void notify(int voice) const { handler_(voice); }
+
     int getId() const { return id_; }
     GuiPinOwner* getOwner() const { return owner_; }
-    IGuiPinCallbackImpl* getCallback() const { return callback_.get(); }
 
     // Binding, done by the owning module's initializePin.
-    void bind(int id, GuiPinOwner* owner, std::unique_ptr<IGuiPinCallbackImpl> callback) {
+    void bind(int id, GuiPinOwner* owner, GuiPinHandler handler) {
         id_ = id;
         owner_ = owner;
-        callback_ = std::move(callback);
+        handler_ = handler;
     }
 
 protected:
+    // For a pin whose value is four bytes compared and stored bit for bit, as setFourBytes does: its
+    // set() must do exactly that, since store() does it in its place.
+    explicit MpGuiPinBase(void* fourBytes) : fourBytes_(fourBytes) {}
+
     // Sends the current value to the owner's host (voice 0). Nothing when unbound.
-    void transmit() {
+    void transmit() { transmit(rawSize(), rawData()); }
+    // The same for a pin class that knows its own rawSize() and rawData() without asking.
+    void transmit(int size, const void* data) {
         if (owner_)
-            owner_->pinTransmit(id_, rawSize(), rawData(), 0);
+            owner_->pinTransmit(id_, size, data, 0);
     }
 
 private:
-    int id_ = -1;
     GuiPinOwner* owner_ = nullptr;
-    std::unique_ptr<IGuiPinCallbackImpl> callback_;
+    GuiPinHandler handler_;
+    void* fourBytes_ = nullptr;
+    int id_ = -1;  // last, so that a four-byte value can share its eight bytes
 };
 
-namespace kx::detail {
-
-// The int and float pins share one rule: unchanged only when exactly 4 bytes arrive and their bit
-// pattern equals the stored one (so -0.0 differs from 0.0 and a NaN with the same bits is unchanged).
-// Fewer than 4 bytes overwrite the leading bytes; more than 4 copy only 4.
-template <class T>
-bool setFourByteValue(T& value, int size, const void* data) {
-    static_assert(sizeof(T) == 4);
-    if (size < 0 || (size > 0 && !data))
-        return false;
-    if (size == 4 && std::memcmp(&value, data, 4) == 0)
-        return false;
-    // Size 0 may come with a null pointer, which memcpy may not be given even for nothing.
-    if (size > 0)
-        std::memcpy(&value, data, size < 4 ? static_cast<size_t>(size) : 4u);
-    return true;
+inline int32_t GuiPinOwner::setPin(int index, int voice, int size, const void* data) {
+    MpGuiPinBase* pin = getPin(index);
+    if (!pin)
+        return gmpi::MP_FAIL;
+    pin->store(voice, size, data);
+    return gmpi::MP_OK;
 }
 
-}  // namespace kx::detail
+inline int32_t GuiPinOwner::notifyPin(int index, int voice) {
+    MpGuiPinBase* pin = getPin(index);
+    if (!pin)
+        return gmpi::MP_FAIL;
+    pin->notify(voice);
+    return gmpi::MP_OK;
+}
 
 template <class T>
 class MpGuiPin : public MpGuiPinBase {
 public:
-    bool set(int, int size, const void* data) override { return kx::detail::setFourByteValue(value, size, data); }
+    static_assert(sizeof(T) == 4, "the general pin carries four-byte values");
+
+    MpGuiPin() : MpGuiPinBase(&value) {}
+    bool set(int, int size, const void* data) final { return kx::detail::setFourBytes(&value, size, data); }
     int getDatatype() const override { return kx::datatypeOf<T>; }
     int rawSize() const override { return 4; }
     const void* rawData() const override { return &value; }
@@ -147,7 +183,7 @@ public:
     MpGuiPin& operator=(T newValue) {
         if (!(newValue == value)) {
             value = newValue;
-            transmit();
+            transmit(4, &value);
         }
         return *this;
     }
@@ -183,7 +219,7 @@ public:
     MpGuiPin& operator=(bool newValue) {
         if (newValue != value) {
             value = newValue;
-            transmit();
+            transmit(1, &value);
         }
         return *this;
     }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <type_traits>
 
 #include "MpBlob.h"
 #include "MpPinDatatype.h"
@@ -41,12 +42,19 @@ inline EventBytes eventBytes(const gmpi::MpEvent* e) {
 template <class T>
 struct DspValue;
 
+// Fewer than 4 bytes overwrite the leading bytes; more than 4 copy only 4.
+inline void unpackFourBytes(void* value, const void* data, size_t size) {
+    if (!data)
+        return;
+    if (size >= 4)
+        std::memcpy(value, data, 4);
+    else if (size)
+        std::memcpy(value, data, size);
+}
+
 template <class T>
 struct FourByteValue {
-    static void unpack(T& value, const void* data, size_t size) {
-        if (data && size)
-            std::memcpy(&value, data, std::min<size_t>(size, 4));
-    }
+    static void unpack(T& value, const void* data, size_t size) { unpackFourBytes(&value, data, size); }
     static int32_t size(const T&) { return 4; }
     static const void* data(const T& value) { return &value; }
 };
@@ -117,6 +125,30 @@ public:
     virtual int rawSize() const { return 0; }
     virtual const void* rawData() const { return nullptr; }
 
+    // What process() does in its three passes: preProcessEvent, processEvent and postProcessEvent, without
+    // a virtual call for the control pins of four-byte values.
+    void storeEvent(const gmpi::MpEvent* e) {
+        if (!fourBytes_) {
+            preProcessEvent(e);
+        } else if (e->eventType == gmpi::EVENT_PIN_SET) {
+            const auto bytes = kx::detail::eventBytes(e);
+            kx::detail::unpackFourBytes(fourBytes_, bytes.data, bytes.size);
+            updated_ = true;
+        }
+    }
+    void handleEvent(const gmpi::MpEvent* e) {
+        if (!fourBytes_)
+            processEvent(e);
+        else if (eventHandler_)
+            MpPinBase::processEvent(e);
+    }
+    void clearEvent(const gmpi::MpEvent* e) {
+        if (fourBytes_)
+            updated_ = false;
+        else
+            postProcessEvent(e);
+    }
+
     int getId() const { return id_; }
     MpPluginBase* getPlugin() const { return plugin_; }
     // Binding, done by the module's initializePin.
@@ -127,27 +159,43 @@ public:
     }
 
 protected:
+    // For a control pin of a four-byte value: its three event passes must be exactly the ones storeEvent,
+    // handleEvent and clearEvent make in their place.
+    explicit MpPinBase(void* fourBytes) : fourBytes_(fourBytes) {}
+
     // The owner's current block position (0 when unbound).
     int blockPosition() const;
     // Sends rawSize()/rawData() to the host at a block position (-1: the owner's current one).
-    void sendPinUpdate(int position = -1);
+    void sendPinUpdate(int position = -1) { sendPinUpdate(position, rawSize(), rawData()); }
+    // The same for a pin class that knows its value's bytes without asking.
+    void sendPinUpdate(int position, int size, const void* data);
 
     int id_ = -1;
+    // Set while the event batch that set this pin is being handled.
+    bool updated_ = false;
     MpPluginBase* plugin_ = nullptr;
     MpBaseMemberPtr eventHandler_ = nullptr;
+
+private:
+    void* fourBytes_ = nullptr;
 };
 
 template <class T, int datatype>
 class MpControlPinBase : public MpPinBase {
+    static constexpr bool fourByteValue = std::is_base_of_v<kx::detail::FourByteValue<T>, kx::detail::DspValue<T>>;
+
 public:
-    void preProcessEvent(const gmpi::MpEvent* e) override {
+    MpControlPinBase() : MpPinBase(fourByteValue ? static_cast<void*>(&value) : nullptr) {}
+
+    void preProcessEvent(const gmpi::MpEvent* e) final {
         if (e->eventType != gmpi::EVENT_PIN_SET)
             return;
         const auto bytes = kx::detail::eventBytes(e);
         kx::detail::DspValue<T>::unpack(value, bytes.data, bytes.size);
-        updated = true;
+        updated_ = true;
     }
-    void postProcessEvent(const gmpi::MpEvent*) override { updated = false; }
+    void processEvent(const gmpi::MpEvent* e) final { MpPinBase::processEvent(e); }
+    void postProcessEvent(const gmpi::MpEvent*) final { updated_ = false; }
     int getDatatype() const override { return datatype; }
     using MpPinBase::setValueRaw;
     void setValueRaw(size_t size, const void* data) override { kx::detail::DspValue<T>::unpack(value, data, size); }
@@ -157,10 +205,9 @@ public:
     const T& getValue() const { return value; }
     operator const T&() const { return value; }
     // True while the event batch that set this pin is being handled (onSetPins included).
-    bool isUpdated() const { return updated; }
+    bool isUpdated() const { return updated_; }
 
     T value{};
-    bool updated = false;
 };
 
 template <class T, int direction, int datatype>
@@ -169,7 +216,7 @@ public:
     int getDirection() const override { return direction; }
     void sendFirstUpdate() override {
         if constexpr (direction == MP_OUT)
-            this->sendPinUpdate();
+            send(-1);
     }
 
     // Output pins: store and send to the host at the current block position (every time; modules
@@ -177,16 +224,22 @@ public:
     MpControlPin& operator=(const T& newValue) {
         static_assert(direction == MP_OUT, "only output pins are written by the module");
         this->value = newValue;
-        this->sendPinUpdate();
+        send(-1);
         return *this;
     }
     // As assignment, at a given block position.
     void setValue(const T& newValue, int blockPosition) {
         static_assert(direction == MP_OUT, "only output pins are written by the module");
         this->value = newValue;
-        this->sendPinUpdate(blockPosition);
+        send(blockPosition);
     }
     using MpPinBase::sendPinUpdate;
+
+private:
+    void send(int position) {
+        using Value = kx::detail::DspValue<T>;
+        this->sendPinUpdate(position, Value::size(this->value), Value::data(this->value));
+    }
 };
 
 using IntInPin = MpControlPin<int, MP_IN, MP_DT_INT>;

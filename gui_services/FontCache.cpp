@@ -172,7 +172,7 @@ GmpiDrawing::TextFormat FontCache::TextFormatExists(gmpi::IMpUserInterfaceHost2*
     if (metadata)
         *metadata = nullptr;
     const SkinMetadata* skin = getSkin(host);
-    auto it = formats_.find({name, skin->name, factoryOf(graphicsHost)});
+    auto it = formats_.find(keyView{name, skin->name, factoryOf(graphicsHost)});
     if (it == formats_.end())
         return {};
     if (metadata)
@@ -188,11 +188,10 @@ GmpiDrawing::TextFormat FontCache::GetTextFormat(gmpi::IMpUserInterfaceHost2* ho
     if (metadata)
         *metadata = const_cast<FontMetadata*>(style);
     auto* factory = factoryOf(graphicsHost);
-    const fontKey key{name, skin->name, factory};
-    auto it = formats_.find(key);
+    auto it = formats_.find(keyView{name, skin->name, factory});
     if (it != formats_.end())
         return it->second.format;
-    return CreateTextFormatAndCache(factory, key, style);
+    return CreateTextFormatAndCache(factory, {name, skin->name, factory}, style);
 }
 
 GmpiDrawing::TextFormat FontCache::AddCustomTextFormat(gmpi::IMpUserInterfaceHost2* host,

@@ -117,6 +117,22 @@ private:
             return std::tie(name, skinPath, factory) < std::tie(o.name, o.skinPath, o.factory);
         }
     };
+    // A key to look up with, made of the caller's strings without copying them.
+    struct keyView {
+        std::string_view name;
+        std::string_view skinPath;
+        GmpiDrawing_API::IMpFactory* factory;
+    };
+    struct keyOrder {
+        using is_transparent = void;
+        template <class A, class B>
+        bool operator()(const A& a, const B& b) const {
+            return std::tuple<std::string_view, std::string_view, GmpiDrawing_API::IMpFactory*>(a.name, a.skinPath,
+                                                                                                a.factory) <
+                   std::tuple<std::string_view, std::string_view, GmpiDrawing_API::IMpFactory*>(b.name, b.skinPath,
+                                                                                                b.factory);
+        }
+    };
     struct TypefaceData {
         GmpiDrawing::TextFormat format;
         const FontMetadata* metadata;
@@ -127,7 +143,7 @@ private:
     static GmpiDrawing_API::IMpFactory* factoryOf(gmpi_gui::IMpGraphicsHost* graphicsHost);
     FontMetadata& keepCustomStyle(const fontKey& key, const FontMetadata& style);
 
-    std::map<fontKey, TypefaceData> formats_;
+    std::map<fontKey, TypefaceData, keyOrder> formats_;
     std::deque<std::unique_ptr<SkinMetadata>> skins_;
     // The styles of custom formats, one per key; a node map, so formats_ can point into it.
     std::map<fontKey, FontMetadata> customStyles_;

@@ -3,6 +3,7 @@
 // it runs on the GUI thread: there are no locks, only the manager's one-time creation is thread-safe.
 #pragma once
 
+#include <cstdint>
 #include <list>
 #include <vector>
 
@@ -65,6 +66,8 @@ private:
     void* handle_ = nullptr;
     const int interval_;
     std::vector<TimerClient*> clients_;
+    // Clients removed so far, counted so that a tick knows whether anyone in its snapshot may have left.
+    uint64_t removals_ = 0;
     // Set when UnRegisterClient empties the group during its own tick: the group is already unlinked and
     // its storage is freed once the outermost tick has returned, so the tick ends at once.
     bool retired_ = false;

@@ -423,7 +423,7 @@ public:
 };
 
 // A graphics host that also answers the GUI host interfaces of a FakeGuiHost.
-class FakeGraphicsHost final : public gmpi_gui::IMpGraphicsHost {
+class FakeGraphicsHost : public gmpi_gui::IMpGraphicsHost {
 public:
     explicit FakeGraphicsHost(FakeGuiHost& gui) : guiHost(gui) {}
     FakeGuiHost& guiHost;

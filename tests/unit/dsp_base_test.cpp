@@ -117,6 +117,15 @@ TEST_F(Fixture, SleepsOnceTheCounterRunsOutAndStaysAwakeWhileAnInputStreams) {
     EXPECT_EQ(probe->batches, 2);
 }
 
+TEST_F(Fixture, AHostIsToldOncePerBlockThatTheModuleMaySleep) {
+    Events values;
+    values.set(3, 0, 1).set(7, 1, 0.5f).set(12, 0, 2);
+    probe->process(16, values.list());
+    EXPECT_EQ(host.sleeps, 1) << "not once per stretch between events";
+    EXPECT_EQ(probe->processed, 16);
+    EXPECT_EQ(probe->batches, 3);
+}
+
 TEST_F(Fixture, GraphStartSendsInitialOutputs) {
     Events ev;
     ev.graphStart();

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <stdexcept>
 
@@ -150,6 +151,45 @@ TEST(GuiPins, HandlersRunOnNotifyOnlyAndUnboundIndexesFail) {
     EXPECT_EQ(m.notifyPin(5, 0), 0);  // bound without handler
     EXPECT_EQ(m.setPin(42, 0, 4, &v), -1);
     EXPECT_EQ(m.notifyPin(-1, 0), -1);
+}
+
+TEST(GuiPins, ValuesFromTheHostFollowThePinsOwnRulesWhateverTheirPath) {
+    // The host's setPin stores four-byte values without asking the pin; it must decide as the pin would.
+    AllPins viaHost, viaPin;
+    const char bytes[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    struct Case {
+        int size;
+        const void* data;
+    } cases[] = {{4, bytes},  {4, bytes},   {2, bytes + 4}, {8, bytes + 1}, {0, nullptr},
+                 {-4, bytes}, {4, nullptr}, {1, bytes + 7}, {4, &nan},      {4, &nan}};
+    for (int index : {0, 1, 2}) {
+        for (const Case& c : cases) {
+            MpGuiPinBase& host = *viaHost.getPin(index);
+            MpGuiPinBase& pin = *viaPin.getPin(index);
+            EXPECT_EQ(host.store(0, c.size, c.data), pin.set(0, c.size, c.data)) << index << " size " << c.size;
+            EXPECT_EQ(viaHost.setPin(index, 0, c.size, c.data), gmpi::MP_OK);
+            ASSERT_EQ(host.rawSize(), pin.rawSize());
+            EXPECT_EQ(std::memcmp(host.rawData(), pin.rawData(), static_cast<size_t>(pin.rawSize())), 0);
+        }
+    }
+}
+
+TEST(GuiPins, SparseIndexesAreFoundAndGapsAreNot) {
+    struct Sparse : SeGuiInvisibleBase {
+        MpGuiPin<int> a, b, c;
+        Sparse() {
+            initializePin(4, c);
+            initializePin(1, a);
+            initializePin(3, b);
+        }
+    } m;
+    EXPECT_EQ(m.getPin(1), &m.a);
+    EXPECT_EQ(m.getPin(3), &m.b);
+    EXPECT_EQ(m.getPin(4), &m.c);
+    for (int gap : {-1, 0, 2, 5})
+        EXPECT_EQ(m.getPin(gap), nullptr) << gap;
+    EXPECT_EQ(m.nextPinIndex(), 5);
 }
 
 TEST(GuiPins, SecondBindingOfAnIndexNeverReceives) {

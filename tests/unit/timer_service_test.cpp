@@ -131,6 +131,28 @@ TEST_F(TimerService, ClientStoppedByAnEarlierOneIsNotCalledThatTick) {
     EXPECT_EQ(log, (std::vector<std::string>{"a", "c", "c"}));
 }
 
+// A client leaving by its own answer inside a tick run from within another tick of its group (a nested
+// run loop) has left for the outer tick too.
+TEST_F(TimerService, ClientLeavingInANestedTickIsNotCalledAgainByTheOuterOne) {
+    Probe a("a", log), b("b", log), c("c", log);
+    bool nested = false;
+    a.action = [&] {
+        if (!nested) {
+            nested = true;
+            loop.advance(1042);
+        }
+        return true;
+    };
+    b.action = [] { return false; };
+    a.StartTimer(1042);
+    b.StartTimer(1042);
+    c.StartTimer(1042);
+    loop.advance(1042);
+    EXPECT_EQ(log, (std::vector<std::string>{"a", "a", "b", "c", "c"}));
+    a.StopTimer();
+    c.StopTimer();
+}
+
 TEST_F(TimerService, ClientsAddedDuringATickWaitForTheNext) {
     Probe a("a", log), late("late", log);
     a.action = [&] {
